@@ -1,0 +1,136 @@
+// The terminal runtime: session record, terminal output in its three modes, keyboard input,
+// the keyboard type-ahead stack, the command processor, file lookup and text helpers.
+// It is the only part of the program that touches the terminal, processes and file kinds.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cbstring.h"
+
+namespace kavro {
+
+// ---- Session ---------------------------------------------------------------------------
+
+// The session's environment record.
+struct KavroEnv {
+    CBString sPrompt;         // written by line input before it reads
+    char cCaseMode = 'M';     // input case mode: 'U' upper, 'L' swap, anything else as typed
+    CBString sAccount;        // account name
+    char cDateStyle = 'Y';    // 'A' American, 'E' European, anything else year first
+    int iYearMode = 1;        // 2 two-digit years, 0 two digits before 2000, other four digits
+    uint16_t uiSerial1 = 0;
+    uint16_t uiSerial2 = 0;
+};
+
+extern KavroEnv* Kavro;
+extern std::vector<CBString> t_asCmdargs;
+
+// Prepares the session: fills t_asCmdargs with argv[0..argc-1] (the script path first) and the
+// session record from the environment; returns the number of positional arguments.
+int t_Init(int argc, char** argv, int mode, bool bQuiet);
+// An environment variable read as a base-10 integer; 0 when it is not set.
+int getintenv(const char* name);
+
+// ---- Terminal output -------------------------------------------------------------------
+
+enum class TermMode { Raw, Ansi, Text };
+
+// Chooses the output mode from KVEXEC_TERM (raw, ansi, text); ansi when standard output is a
+// terminal, raw otherwise.
+void TermInit();
+void TermSetMode(TermMode mode);
+TermMode TermGetMode();
+
+void TermPrintf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void TermWrite(const char* text);
+void TermWrite(const char* text, size_t length);
+void TermPut(int c);
+// Moves the cursor to a row and a column, both counted from 0.
+void TermMove(int row, int col);
+// Writes everything buffered. Done before a command runs, before input, before sleeping, at exit.
+void TermFlush();
+// Writes what is buffered if it has waited for a while.
+void TermFlushIfStale();
+// The column the cursor stands in, as far as the output written so far tells.
+int TermColumn();
+// Cursor moves relative to where it stands, and a bare carriage return; these are sequences for
+// the terminal, not screen codes, and pass untranslated.
+void TermMoveRelative(int rows, int cols);
+void TermCarriageReturn();
+// Whether the terminal keeps the cursor on the last column after writing there.
+bool TermDelaysWrap();
+// For tests: where output goes instead of standard output (null restores it).
+void TermCapture(std::string* sink);
+
+// ---- Keyboard input --------------------------------------------------------------------
+
+struct TermWin {
+    int iKind = 0;      // 2 for a window of the window manager
+    int iActive = 0;
+    int iRow = 0;       // cursor position where input starts, relative to that input
+    int iCol = 0;
+    int iWidth = 0;     // columns before input wraps; 0 for no wrapping
+};
+
+bool TermIsInteractive();             // standard input is a terminal
+TermWin TermGetWin();
+int TermGetActive();
+int TermSetCursor(int shape);         // returns the previous shape
+int TermGetUnicode();                 // next key, or -1 at end of input
+int TermConvIn(int key);
+// Writes ch at a position of the line being edited: rows and columns relative to where
+// TermGetWin found the cursor (row 0), columns counted from the left edge.
+void TermMvwaddch(int win, int row, int col, int ch);
+void TermMoveInput(int row, int col);
+void TermUpdate();
+// Waits for one key when standard input is a terminal; returns at once otherwise.
+void pagewait();
+
+// ---- Keyboard stack --------------------------------------------------------------------
+
+extern bool t_bStackShow;
+void t_StackWrite(const char* text);
+void t_StackWrite(const CBString& text);
+void t_StackClear();
+void t_StackSave();
+void t_StackLoad();
+bool t_StackReady(bool bLine);
+CBString t_StackRead(int autoCount, bool* pbComplete, bool bRemove);
+void t_StackDump();
+const std::string& t_StackText();
+
+// ---- Commands and files ----------------------------------------------------------------
+
+// Runs the command line with /bin/sh -c after flushing the output. Text in the keyboard stack
+// becomes the command's standard input. The status (exit code, or 128 + signal) is left in
+// errno, 0 on success; the same value is returned.
+int t_system(const char* command);
+
+struct CFileInfo {
+    int iKind = 0;    // 2 file, 8 directory, 16 device, 64 FIFO, 128 dangling link, 512 socket
+    int iOwner = 0;   // owner uid
+    long long llSize = 0;
+};
+
+int t_Device(const char* name);                   // 3/4 character/block device, 2 any other path
+int t_Locate(CFileInfo& info, const char* name);  // 2 when not found
+int c_getuid();
+int c_getpid();
+
+// ---- Text helpers ----------------------------------------------------------------------
+
+char* stripspace(char* text);          // removes trailing white space in place
+const char* strend(const char* text);  // the terminating NUL of text
+char* strupr(char* text);
+bool strmatch(const char* text, const char* pattern);
+bool t_isalpha(int c);
+bool t_isalnum(int c);
+bool t_isupper(int c);
+bool t_islower(int c);
+int t_toupper(int c);
+int t_tolower(int c);
+
+}  // namespace kavro

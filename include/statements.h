@@ -1,0 +1,63 @@
+// The statement table and the statement handlers, each named for its keyword.
+#pragma once
+
+#include "types.h"
+
+struct Statement {
+    const char* pszKeyword;
+    void (*pHandler)(Parser*);
+};
+
+extern const Statement aStatements[];
+const Statement* GetStatement(const char* name);
+
+// dispatch.cpp
+void ParseMenu(Parser* p);
+void ParseWait(Parser* p);
+// diagnostics.cpp
+void ParseError(Parser* p);
+// exec.cpp
+void ParseQuit(Parser* p);
+// conditionals.cpp
+void ParseIf(Parser* p);
+void ParseElseif(Parser* p);
+void ParseElse(Parser* p);
+void ParseIfend(Parser* p);
+void _DiscardFullIfBlock(Parser* p);
+char* _DiscardIfBlock(Parser* p);
+CBString _DiscardElseIfBlock(Parser* p);
+void _DiscardElseBlock(Parser* p);
+// loops.cpp
+void ParseFor(Parser* p);
+void ParseWhile(Parser* p);
+void ParseUntil(Parser* p);
+void ParseNext(Parser* p);
+void ParseWend(Parser* p);
+void ParseLoop(Parser* p);
+void ParseBreak(Parser* p);
+void ParseContinue(Parser* p);
+void _Restart_Loop(Parser* p, char* buffer, unsigned long size);
+void _DiscardBlock(Parser* p, const char* keyword);
+// jumps.cpp
+void ParseGoto(Parser* p);
+void ParseCall(Parser* p);
+void ParseReturn(Parser* p);
+void ParseSkip(Parser* p);
+void ParseEnd(Parser* p);
+// shift.cpp
+void ParseShift(Parser* p);
+// control.cpp
+void ParseControl(Parser* p);
+// output_statements.cpp
+void ParseType(Parser* p);
+void ParseBegtype(Parser* p);
+void ParseBegstack(Parser* p);
+void ParseStack(Parser* p);
+void ParseSpace(Parser* p);
+void ParseSleep(Parser* p);
+// screen.cpp
+void ParseCrt(Parser* p);
+// escape.cpp
+void ParseEsc(Parser* p);
+// read.cpp
+void ParseRead(Parser* p);

@@ -1,0 +1,152 @@
+// The function table and the string functions. A handler steps past its own word, reads its
+// arguments with the evaluator and pushes exactly one result.
+#include <strings.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "expression.h"
+#include "kvexec.h"
+
+// In table order: alphabetical, except that &SYSTEM comes last. Id and argument bounds are
+// carried for reference; each handler asks for the arguments it takes.
+const Function aFunctions[] = {
+    {"&CAT", 1, ParseCat, 2, 2},         {"&ENV", 2, ParseEnv, 1, 1},   {"&EXIST", 3, ParseExist, 1, 1},
+    {"&FILESIZE", 4, ParseFilesize, 1, 1}, {"&INDEX", 5, ParseIndex, 0, 0}, {"&LEN", 6, ParseLen, 1, 1},
+    {"&LIT", 7, ParseLit, 1, 1},         {"&SUB", 9, ParseSub, 2, 3},   {"&TYP", 10, ParseTyp, 1, 1},
+    {"&SYSTEM", 11, ParseSystem, 1, 3},  {nullptr, 0, nullptr, 0, 0},
+};
+
+namespace {
+
+const Function* FindFunction(const char* name) {
+    for (const Function* f = aFunctions; f->pszName; ++f)
+        if (strcasecmp(f->pszName, name) == 0) return f;
+    return nullptr;
+}
+
+}  // namespace
+
+const Function* GetFunction(const char* name) {
+    if (const Function* f = FindFunction(name)) return f;
+    if (strchr(name, '$')) return nullptr;
+    size_t n = strlen(name);
+    char small[64];
+    char* buffer = n + 2 <= sizeof small ? small : static_cast<char*>(malloc(n + 2));
+    if (!buffer) return nullptr;
+    memcpy(buffer, name, n);
+    buffer[n] = '$';
+    buffer[n + 1] = '\0';
+    const Function* f = FindFunction(buffer);
+    if (buffer != small) free(buffer);
+    return f;
+}
+
+namespace {
+
+// One argument, converted to text.
+CBString TextArgument(Parser* p) {
+    Const arg;
+    Eval(p, &arg, false);
+    ToString(&arg);
+    return arg.sValue;
+}
+
+int IntegerArgument(Parser* p) {
+    Const arg;
+    Eval(p, &arg, false);
+    ToInteger(&arg);
+    return arg.iValue;
+}
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+void ParseCat(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    CBString first = TextArgument(p);
+    CBString second = TextArgument(p);
+    PushString(p, first + second);
+}
+
+// The name is upper-cased: a variable whose name has lower-case letters cannot be read.
+void ParseEnv(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    CBString name = TextArgument(p);
+    name.toupper();
+    const char* value = getenv(name);
+    PushString(p, value ? value : "");
+}
+
+void ParseIndex(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    PushInteger(p, iArgs);
+}
+
+void ParseLen(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    PushInteger(p, TextArgument(p).length());
+}
+
+void ParseLit(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    PushString(p, p->sToken);
+}
+
+// &SUB text start [end]: positions start to end, counted from 1. Without an end (or with 0) it
+// gives the text after the first start characters, one position further on than the
+// three-argument form starts.
+void ParseSub(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    CBString s = TextArgument(p);
+    int n = s.length();
+    int start = IntegerArgument(p);
+    int end = p->eTokenType == TokenEol ? 0 : IntegerArgument(p);
+    if (start == 0 || start > n || start < 0 || end < 0) {
+        PushString(p, "");
+    } else if (end != 0) {
+        if (end > n) end = n;
+        PushString(p, s.midstr(start - 1, end - start + 1));
+    } else {
+        PushString(p, s.midstr(start, n));
+    }
+}
+
+// "N" for a number or a plain unsigned decimal text, "A" for anything else; a sign makes a text
+// alphabetic.
+void ParseTyp(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    Const arg;
+    Eval(p, &arg, false);
+    const char* kind = "A";
+    if (arg.eType == VarInteger || arg.eType == VarFloat) {
+        kind = "N";
+    } else if (arg.eType == VarString) {
+        const char* s = arg.sValue;
+        bool numeric;
+        if (*s == '+' || *s == '-') {
+            ++s;
+            numeric = false;
+        } else {
+            numeric = IsDigit(*s);
+        }
+        bool point = false;
+        for (; *s; ++s) {
+            if (IsDigit(*s)) continue;
+            if (*s == '.' && !point) {
+                point = true;
+                if (s[1] == '\0') break;
+                if (!IsDigit(s[1])) {
+                    numeric = false;
+                    break;
+                }
+                continue;
+            }
+            numeric = false;
+            break;
+        }
+        kind = numeric ? "N" : "A";
+    }
+    PushString(p, kind);
+}

@@ -1,0 +1,113 @@
+// &SYSTEM: facts about the running system, chosen by a keyword taken literally.
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "expression.h"
+#include "kavro.h"
+#include "kvexec.h"
+
+namespace {
+
+struct tm LocalNow() {
+    time_t now = Now();
+    struct tm t;
+    localtime_r(&now, &t);
+    return t;
+}
+
+void Account(Parser* p) { PushString(p, kavro::Kavro->sAccount); }
+
+void Cwd(Parser* p) {
+    const char* pwd = getenv("PWD");
+    PushString(p, pwd ? pwd : "");
+}
+
+void DateKeyword(Parser* p) { PushString(p, Date(0)); }
+
+void Day(Parser* p) { PushInteger(p, LocalNow().tm_wday); }
+
+// FTIME format seconds: the two arguments after the keyword.
+void Ftime(Parser* p) {
+    GetNextToken(p);
+    Const format, seconds;
+    Eval(p, &format, false);
+    ToString(&format);
+    Eval(p, &seconds, false);
+    long t = 0;
+    switch (seconds.eType) {
+        case VarFloat: t = static_cast<long>(seconds.dValue); break;
+        case VarString: t = static_cast<long>(strtod(seconds.sValue, nullptr)); break;
+        case VarInteger: t = seconds.iValue; break;
+        default: t = 0; break;
+    }
+    PushString(p, Strtime(format.sValue, t));
+}
+
+// "PORT" gives the process id as "PID" does.
+void Pid(Parser* p) { PushInteger(p, kavro::c_getpid()); }
+
+void Priv(Parser* p) {
+    const char* v = getenv("b_privlev");
+    long level = v ? strtol(v, nullptr, 10) : 0;
+    PushInteger(p, static_cast<int>(level > 9 ? 9 : level));
+}
+
+void Serial(Parser* p) {
+    CBString s;
+    s.format("%u-%u", kavro::Kavro->uiSerial1, kavro::Kavro->uiSerial2);
+    PushString(p, s);
+}
+
+void Tasks(Parser* p) {
+    const char* v = getenv("b_maxpid");
+    PushInteger(p, v ? static_cast<int>(strtol(v, nullptr, 10)) : 64);
+}
+
+void TimeKeyword(Parser* p) { PushString(p, Time(0)); }
+
+void TodKeyword(Parser* p) { PushDouble(p, Tod()); }
+
+void Today(Parser* p) {
+    struct tm t = LocalNow();
+    char buffer[20];
+    size_t n = strftime(buffer, sizeof buffer, "%j %B %Y", &t);
+    PushString(p, CBString(buffer, n));
+}
+
+void Uid(Parser* p) { PushInteger(p, kavro::c_getuid()); }
+
+void Users(Parser* p) { PushInteger(p, 255); }
+
+void Weekday(Parser* p) {
+    int lang = kavro::getintenv("b_lang");
+    int slot = (lang >= 0 && lang <= 9) ? lang : 0;
+    PushString(p, weekdays[slot * 7 + LocalNow().tm_wday]);
+}
+
+struct SystemKeyword {
+    const char* pszName;
+    void (*pHandler)(Parser*);
+};
+
+const SystemKeyword aSystemKeywords[] = {
+    {"ACCOUNT", Account}, {"CWD", Cwd},         {"DATE", DateKeyword}, {"DAY", Day},
+    {"FTIME", Ftime},     {"PID", Pid},         {"PORT", Pid},         {"PRIV", Priv},
+    {"SERIAL", Serial},   {"TASKS", Tasks},     {"TIME", TimeKeyword}, {"TOD", TodKeyword},
+    {"TODAY", Today},     {"UID", Uid},         {"USERS", Users},      {"WEEKDAY", Weekday},
+};
+
+}  // namespace
+
+// An unknown keyword pushes nothing and reports nothing.
+void ParseSystem(Parser* p, Const* /*result*/) {
+    GetNextToken(p);
+    p->sToken = Expand(p->sToken);
+    p->sToken.toupper();
+    for (const SystemKeyword& k : aSystemKeywords) {
+        if (strcmp(k.pszName, p->sToken) == 0) {
+            k.pHandler(p);
+            return;
+        }
+    }
+}

@@ -1,0 +1,302 @@
+// Terminal output. Everything the interpreter writes passes through here and is buffered until a
+// flush. In raw mode the bytes go out exactly as produced. In ansi mode carriage returns end
+// lines and the one-byte screen codes become the terminal's own sequences (from terminfo); in
+// text mode carriage returns become line feeds and screen codes are dropped.
+#include <langinfo.h>
+#include <curses.h>
+#include <term.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "kavro.h"
+#include "terminal_codes.h"
+
+namespace kavro {
+
+namespace {
+
+TermMode g_mode = TermMode::Raw;
+std::string g_sOut;
+std::string* g_pCapture = nullptr;
+bool g_bTty = false;
+int g_iColumn = 0;
+
+// ansi mode state
+bool g_bTerminfo = false;
+bool g_bUtf8 = false;
+unsigned g_uiAttrs = 0;
+// bytes of a UTF-8 sequence being assembled, and how many more it needs
+unsigned char g_abPending[4];
+int g_iPending = 0;
+int g_iNeed = 0;
+
+constexpr size_t kFlushAt = 1 << 16;
+// Output waiting longer than this is written when the script next reads a line, so a run that
+// goes on without writing (a long loop, a wait) still shows what it wrote before.
+constexpr long kStaleNanoseconds = 50L * 1000 * 1000;
+long g_lPendingSince = 0;
+
+long MonotonicNanoseconds() {
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &ts);
+    return ts.tv_sec * 1000000000L + ts.tv_nsec;
+}
+
+void WriteAll(const char* p, size_t n) {
+    if (g_pCapture) {
+        g_pCapture->append(p, n);
+        return;
+    }
+    while (n > 0) {
+        ssize_t w = write(1, p, n);
+        if (w < 0 && errno == EINTR) continue;
+        if (w <= 0) return;
+        p += w;
+        n -= static_cast<size_t>(w);
+    }
+}
+
+void Track(unsigned char c) {
+    if (c == '\r' || c == '\n') g_iColumn = 0;
+    else if (c == '\b') g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0;
+    else if (c == '\t') g_iColumn = (g_iColumn / 8 + 1) * 8;
+    else if ((c >= 0x20 && c < 0x7f) || c >= 0xc0) ++g_iColumn;
+}
+
+int PutSeqChar(int c) {
+    g_sOut.push_back(static_cast<char>(c));
+    return c;
+}
+
+// Appends a terminfo capability, with padding handled by tputs.
+void Cap(const char* cap) {
+    if (cap && cap != reinterpret_cast<const char*>(-1)) tputs(cap, 1, PutSeqChar);
+}
+
+const char* Str(const char* name) {
+    const char* s = tigetstr(name);
+    return (s && s != reinterpret_cast<const char*>(-1)) ? s : nullptr;
+}
+
+void ApplyAttributes() {
+    const char* sgr = Str("sgr");
+    auto on = [](unsigned bit) { return (g_uiAttrs & bit) ? 1 : 0; };
+    if (sgr) {
+        Cap(tiparm(sgr, on(kAttrStandout), on(kAttrUnderline), on(kAttrReverse), on(kAttrBlink), on(kAttrDim),
+                   on(kAttrBold), 0, 0, 0));
+        return;
+    }
+    Cap(Str("sgr0"));
+    if (on(kAttrStandout)) Cap(Str("smso"));
+    if (on(kAttrUnderline)) Cap(Str("smul"));
+    if (on(kAttrReverse)) Cap(Str("rev"));
+    if (on(kAttrBlink)) Cap(Str("blink"));
+    if (on(kAttrDim)) Cap(Str("dim"));
+    if (on(kAttrBold)) Cap(Str("bold"));
+}
+
+// One screen code in ansi mode.
+void AnsiCode(unsigned char c) {
+    const TermCode* code = FindTermCode(c);
+    if (!code) return;
+    switch (code->eAction) {
+        case TermAction::Newline: g_sOut += "\r\n"; break;
+        case TermAction::Text: g_sOut.push_back(static_cast<char>(c)); break;
+        case TermAction::Capability:
+            if (g_bTerminfo) Cap(Str(code->pszCap));
+            else if (c == '\b' || c == '\a' || c == '\n') g_sOut.push_back(static_cast<char>(c));
+            break;
+        case TermAction::AttrOn:
+        case TermAction::AttrOff: {
+            unsigned before = g_uiAttrs;
+            if (code->eAction == TermAction::AttrOn) g_uiAttrs |= code->uiAttr;
+            else g_uiAttrs &= ~code->uiAttr;
+            if (g_bTerminfo && before != g_uiAttrs) ApplyAttributes();
+            break;
+        }
+        case TermAction::Box: g_sOut += g_bUtf8 ? code->pszUnicode : code->pszAscii; break;
+        case TermAction::Drop: break;
+    }
+}
+
+void TextCode(unsigned char c) {
+    if (c == '\r') g_sOut.push_back('\n');
+    else if (c == '\n' || c == '\t') g_sOut.push_back(static_cast<char>(c));
+    else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Newline)
+        g_sOut.push_back('\n');
+}
+
+void Code(unsigned char c) {
+    if (g_mode == TermMode::Ansi) AnsiCode(c);
+    else TextCode(c);
+}
+
+void FlushPending() {
+    g_sOut.append(reinterpret_cast<const char*>(g_abPending), static_cast<size_t>(g_iPending));
+    g_iPending = 0;
+    g_iNeed = 0;
+}
+
+// Feeds one byte through the translation of the ansi and text modes. Bytes of well-formed UTF-8
+// sequences are text; control bytes and stray bytes from the code tables are screen codes.
+void Translate(unsigned char c) {
+    if (g_iNeed > 0) {
+        if ((c & 0xc0) == 0x80) {
+            g_abPending[g_iPending++] = c;
+            if (--g_iNeed == 0) FlushPending();
+            return;
+        }
+        FlushPending();
+    }
+    if (c >= 0xc2 && c <= 0xf4) {
+        g_abPending[0] = c;
+        g_iPending = 1;
+        g_iNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
+        return;
+    }
+    if (c < 0x20 || c == 0x7f || (c >= 0x80 && c < 0xc0)) {
+        if (FindTermCode(c) || c < 0x20 || c == 0x7f) {
+            Code(c);
+            return;
+        }
+    }
+    g_sOut.push_back(static_cast<char>(c));
+}
+
+void Emit(const char* p, size_t n) {
+    if (g_sOut.empty()) g_lPendingSince = MonotonicNanoseconds();
+    for (size_t i = 0; i < n; ++i) Track(static_cast<unsigned char>(p[i]));
+    if (g_mode == TermMode::Raw) g_sOut.append(p, n);
+    else
+        for (size_t i = 0; i < n; ++i) Translate(static_cast<unsigned char>(p[i]));
+    if (g_bTty || g_sOut.size() >= kFlushAt) TermFlush();
+}
+
+void SetupTerminfo() {
+    int err = 0;
+    const char* term = getenv("TERM");
+    g_bTerminfo = term && *term && setupterm(term, 1, &err) == OK;
+    const char* cs = nl_langinfo(CODESET);
+    g_bUtf8 = cs && (strcasecmp(cs, "UTF-8") == 0 || strcasecmp(cs, "utf8") == 0);
+}
+
+void FlushAtExit() { TermFlush(); }
+
+}  // namespace
+
+void TermInit() {
+    static bool once = false;
+    if (!once) {
+        once = true;
+        atexit(FlushAtExit);
+    }
+    g_bTty = isatty(1) != 0;
+    const char* m = getenv("KVEXEC_TERM");
+    TermMode mode = g_bTty ? TermMode::Ansi : TermMode::Raw;
+    if (m && strcmp(m, "raw") == 0) mode = TermMode::Raw;
+    else if (m && strcmp(m, "ansi") == 0) mode = TermMode::Ansi;
+    else if (m && strcmp(m, "text") == 0) mode = TermMode::Text;
+    TermSetMode(mode);
+}
+
+void TermSetMode(TermMode mode) {
+    TermFlush();
+    g_mode = mode;
+    g_uiAttrs = 0;
+    g_iPending = g_iNeed = 0;
+    if (mode == TermMode::Ansi) SetupTerminfo();
+}
+
+TermMode TermGetMode() { return g_mode; }
+
+void TermPrintf(const char* format, ...) {
+    char small[512];
+    va_list ap;
+    va_start(ap, format);
+    va_list copy;
+    va_copy(copy, ap);
+    int n = vsnprintf(small, sizeof small, format, copy);
+    va_end(copy);
+    if (n >= 0 && static_cast<size_t>(n) < sizeof small) {
+        Emit(small, static_cast<size_t>(n));
+    } else if (n >= 0) {
+        std::string big(static_cast<size_t>(n) + 1, '\0');
+        vsnprintf(&big[0], big.size(), format, ap);
+        Emit(big.data(), static_cast<size_t>(n));
+    }
+    va_end(ap);
+}
+
+void TermWrite(const char* text) { Emit(text, strlen(text)); }
+void TermWrite(const char* text, size_t length) { Emit(text, length); }
+
+void TermPut(int c) {
+    char b = static_cast<char>(c);
+    Emit(&b, 1);
+}
+
+void TermMove(int row, int col) {
+    if (g_mode == TermMode::Text) return;
+    if (g_mode == TermMode::Ansi && g_bTerminfo) {
+        Cap(tiparm(Str("cup"), row, col));
+    } else {
+        char seq[40];
+        snprintf(seq, sizeof seq, "\x1b[%d;%dH", row + 1, col + 1);
+        g_sOut += seq;
+    }
+    g_iColumn = col;
+    if (g_bTty) TermFlush();
+}
+
+// Cursor moves inside the line being edited, relative to where the cursor stands.
+void TermMoveRelative(int rows, int cols) {
+    auto repeat = [](const char* cap, const char* fallback, int n) {
+        for (int i = 0; i < n; ++i) {
+            const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str(cap) : nullptr;
+            if (s) Cap(s);
+            else g_sOut += fallback;
+        }
+    };
+    if (rows < 0) repeat("cuu1", "\x1b[A", -rows);
+    if (rows > 0) repeat("cud1", "\x1b[B", rows);
+    if (cols < 0) repeat("cub1", "\b", -cols);
+    if (cols > 0) repeat("cuf1", "\x1b[C", cols);
+    g_iColumn += cols;
+    if (g_bTty) TermFlush();
+}
+
+void TermCarriageReturn() {
+    const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str("cr") : nullptr;
+    if (s) Cap(s);
+    else g_sOut += "\r";
+    g_iColumn = 0;
+    if (g_bTty) TermFlush();
+}
+
+bool TermDelaysWrap() { return !(g_mode == TermMode::Ansi && g_bTerminfo) || tigetflag("xenl") > 0; }
+
+void TermFlush() {
+    if (g_sOut.empty()) return;
+    WriteAll(g_sOut.data(), g_sOut.size());
+    g_sOut.clear();
+}
+
+void TermFlushIfStale() {
+    if (!g_sOut.empty() && MonotonicNanoseconds() - g_lPendingSince >= kStaleNanoseconds) TermFlush();
+}
+
+int TermColumn() { return g_iColumn; }
+
+void TermCapture(std::string* sink) {
+    TermFlush();
+    g_pCapture = sink;
+    if (sink) g_bTty = false;
+}
+
+}  // namespace kavro

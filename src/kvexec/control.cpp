@@ -1,0 +1,71 @@
+// &CONTROL: run-time options, applied left to right. An unknown word is ignored.
+#include <strings.h>
+
+#include <cstdlib>
+
+#include "diagnostics.h"
+#include "kavro.h"
+#include "kvexec.h"
+#include "statements.h"
+
+namespace {
+
+void Autocr(Parser* p) {
+    GetNextToken(p);
+    if (p->eTokenType != TokenInteger && p->eTokenType != TokenFloat && p->eTokenType != TokenString)
+        SYNTAX_ERROR(p, Src::Kvexec, At::ControlAutocr);
+    p->iAutoCr = static_cast<int>(strtol(Expand(p->sToken), nullptr, 10));
+}
+
+void Case(Parser* p) {
+    GetNextToken(p);
+    if (p->eTokenType == TokenEol) SYNTAX_ERROR(p, Src::Kvexec, At::ControlCase);
+    if (strcasecmp(p->sToken, "U") != 0 && strcasecmp(p->sToken, "M") != 0)
+        SYNTAX_ERROR(p, Src::Kvexec, At::ControlCase);
+    p->sToken = Expand(p->sToken);
+    // Stored as written: "u" stores a lower-case letter.
+    kavro::Kavro->cCaseMode = p->sToken.character(0);
+}
+
+void Prompt(Parser* p) {
+    GetNextToken(p);
+    if (p->eTokenType == TokenEol) SYNTAX_ERROR(p, Src::Kvexec, At::ControlPrompt);
+    kavro::Kavro->sPrompt = Expand(p->sToken);
+}
+
+void Echo(Parser* p) { p->bEcho = true; }
+void NoEcho(Parser* p) { p->bEcho = false; }
+void Trace(Parser* p) { p->bTrace = true; }
+void NoTrace(Parser* p) { p->bTrace = false; }
+void Debug(Parser* p) { p->bDebug = true; }
+void NoDebug(Parser* p) { p->bDebug = false; }
+void StackShow(Parser*) { kavro::t_bStackShow = true; }
+void NoStackShow(Parser*) { kavro::t_bStackShow = false; }
+
+struct ControlOption {
+    const char* pszKeyword;
+    void (*pHandler)(Parser*);
+};
+
+// In the order the words are compared.
+const ControlOption aControlOptions[] = {
+    {"AUTOCR", Autocr}, {"CASE", Case},   {"NOSTACK", NoStackShow}, {"NOTRACE", NoTrace},
+    {"OFF", NoEcho},    {"ON", Echo},     {"PROMPT", Prompt},       {"STACK", StackShow},
+    {"TRACE", Trace},   {"DEBUG", Debug}, {"NODEBUG", NoDebug},
+};
+
+}  // namespace
+
+void ParseControl(Parser* p) {
+    for (;;) {
+        GetNextToken(p);
+        if (p->eTokenType == TokenEol) return;
+        p->sToken = Expand(p->sToken);
+        for (const ControlOption& o : aControlOptions) {
+            if (strcasecmp(o.pszKeyword, p->sToken) == 0) {
+                o.pHandler(p);
+                break;
+            }
+        }
+    }
+}

@@ -1,0 +1,48 @@
+// &SHIFT: the positional arguments move down one place per round.
+#include <cstdio>
+
+#include "expression.h"
+#include "kvexec.h"
+#include "statements.h"
+
+namespace {
+
+void SetArgument(Parser* p, int index, const char* value) {
+    char name[16];
+    snprintf(name, sizeof name, "&%d", index);
+    SetStringVar(p, name, value);
+}
+
+}  // namespace
+
+// Each round copies &2 to &1, &3 to &2 and so on; its last copy reads the reference one past the
+// last argument, and the variable at that index is then emptied (and created if need be).
+void ParseShift(Parser* p) {
+    GetNextToken(p);
+    int count = 1;
+    if (p->eTokenType != TokenEol) {
+        Const c;
+        Evaluate(p, &c, false);
+        ToInteger(&c);
+        count = c.iValue != 0 ? c.iValue : 1;
+    }
+    // A negative count runs down through zero by wrapping around.
+    uint32_t rounds = static_cast<uint32_t>(count < iArgs ? count : iArgs);
+    char name[16];
+    while (rounds != 0) {
+        int i = 1;
+        if (iArgs > 1) {
+            for (;;) {
+                snprintf(name, sizeof name, "&%d", i + 1);
+                SetArgument(p, i, GetVarValue(name));
+                if (!(i + 1 < iArgs)) break;
+                ++i;
+            }
+            ++i;
+        }
+        SetArgument(p, i, "");
+        iArgs = static_cast<int>(static_cast<uint32_t>(iArgs) - 1u);
+        --rounds;
+    }
+    SkipLine(p);
+}

@@ -1,0 +1,223 @@
+// The tokenizer: cuts the next token at the scan position and classifies it.
+#include <strings.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+#include "diagnostics.h"
+#include "expression.h"
+#include "kavro.h"
+#include "kvexec.h"
+#include "statements.h"
+
+const char* const aszTokenTypes[] = {
+    "NotAToken",      "TokenStatement", "TokenFunction",   "TokenInteger",  "TokenFloat",
+    "TokenString",    "TokenSemiColon", "TokenBeginGroup", "TokenEndGroup", "TokenBeginIndex",
+    "TokenEndIndex",  "TokenEqual",     "TokenComma",      "TokenBackslash", "TokenLabel",
+    "TokenEol",       "TokenLogical",   "TokenOperator",   "TokenComparator", "TokenVar",
+    "TokenUndef",     "TokenSpace",     "TokenCommand",    "TokenBadString", "TokenBadNumber",
+};
+
+const Comparator aComparators[] = {
+    {"=", CompEqual},   {"==", CompEqual},  {"<>", CompNotEqual},     {"!=", CompNotEqual},
+    {">", CompGreater}, {"<", CompLess},    {">=", CompGreaterEqual}, {"<=", CompLessEqual},
+    {nullptr, CompNone},
+};
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Where the token that starts at s ends.
+const char* TokenEnd(const Parser* p, const char* s) {
+    char c = *s;
+    if (p->bWordScan) {
+        const char* q = s + 1;
+        while (*q && *q != '&' && kavro::t_isalnum(*q)) ++q;
+        return q;
+    }
+    switch (c) {
+        case '!':
+        case '>': return s + (s[1] == '=' ? 2 : 1);
+        case '<': return s + ((s[1] == '=' || s[1] == '>') ? 2 : 1);
+        case '=': return s + ((s[1] == '=' || s[1] == '>' || s[1] == '<') ? 2 : 1);
+        case ';': return s + 1;
+        case '"': {
+            // Up to the next quote that is not doubled, or the end of the line.
+            const char* q = s + 1;
+            for (;;) {
+                if (*q == '\0') return q;
+                if (*q == '"') {
+                    if (q[1] == '"') {
+                        q += 2;
+                        continue;
+                    }
+                    return q + 1;
+                }
+                ++q;
+            }
+        }
+        case '&': {
+            const char* q = s;
+            while (*q == '&') ++q;
+            while (*q && kavro::t_isalnum(*q)) ++q;
+            return q;
+        }
+        default: break;
+    }
+    if (strchr("+-*/()&|^%", c)) return s + 1;
+    if (IsDigit(c)) {
+        const char* q = s;
+        while (IsDigit(*q)) ++q;
+        if (*q == '.') {
+            ++q;
+            while (IsDigit(*q)) ++q;
+        }
+        return q;
+    }
+    if (kavro::t_isalpha(c) || strchr("./:_", c)) {
+        const char* q = s + 1;
+        while (*q && (kavro::t_isalnum(*q) || strchr("./:_&", *q))) ++q;
+        return q;
+    }
+    return s + 1;
+}
+
+TokenType QuotedType(Parser* p) {
+    const std::string& t = p->sToken.str();
+    size_t len = t.size();
+    if (len == 1) return TokenString;
+    if (t[len - 1] != '"') return TokenBadString;
+    // Every inner quote must be doubled for the text to be rewritten.
+    for (size_t i = 1; i + 1 < len; ++i) {
+        if (t[i] != '"') continue;
+        if (i + 2 < len && t[i + 1] == '"') {
+            ++i;
+            continue;
+        }
+        return TokenString;
+    }
+    std::string inside;
+    inside.reserve(len);
+    for (size_t i = 1; i + 1 < len; ++i) {
+        if (t[i] == '"') {
+            inside += "\\\"";
+            ++i;
+        } else if (t[i] == '\\') {
+            inside += "\\\\";
+        } else {
+            inside += t[i];
+        }
+    }
+    p->sToken = CBString(inside);
+    return TokenString;
+}
+
+TokenType NumberType(const std::string& t) {
+    bool point = t[0] == '.';
+    bool digit = false;
+    for (size_t i = 1; i < t.size(); ++i) {
+        char c = t[i];
+        if (IsDigit(c)) {
+            digit = true;
+        } else if (c == '.') {
+            if (point) return TokenBadNumber;
+            point = true;
+        } else {
+            return TokenBadString;
+        }
+    }
+    if (point && !digit) return TokenBadNumber;
+    return point ? TokenFloat : TokenInteger;
+}
+
+}  // namespace
+
+void skip_spaces(Parser* p) {
+    while (*p->pPos && isspace(static_cast<unsigned char>(*p->pPos))) ++p->pPos;
+}
+
+bool IsConst(const TokenType& t) { return t == TokenInteger || t == TokenFloat || t == TokenString; }
+
+bool GetNextToken(Parser* p) {
+    const char* s = p->pPos;
+    while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
+    if (*s == '\0') {
+        p->sToken.clear();
+        p->eTokenType = TokenEol;
+        if (p->bDebug) kavro::TermPrintf("token type = %s|\r", aszTokenTypes[TokenEol]);
+        return true;
+    }
+    const char* e = TokenEnd(p, s);
+    p->sToken.assign(s, static_cast<size_t>(e - s));
+    p->pTokenStart = s;
+    p->pPos = e;
+    p->uiTokenLen = static_cast<uint64_t>(e - s);
+    p->eTokenType = GetTokenType(p);
+    if (p->bDebug) kavro::TermPrintf("token type = %s|%s|\r", aszTokenTypes[p->eTokenType], p->sToken.data());
+    return true;
+}
+
+TokenType GetTokenType(Parser* p) {
+    const std::string& t = p->sToken.str();
+    if (t.empty()) return TokenEol;
+    if (p->bLiteral) return t[0] == '&' ? TokenVar : TokenString;
+    if (t.size() == 1) {
+        switch (t[0]) {
+            case '(': return TokenBeginGroup;
+            case ')': return TokenEndGroup;
+            case ',': return TokenComma;
+            case '=': return TokenEqual;
+            case '[': return TokenBeginIndex;
+            case ']': return TokenEndIndex;
+            case '\\': return TokenBackslash;
+            case ';':
+                // The rest of the line is a comment.
+                p->sToken.clear();
+                SkipLine(p);
+                return TokenEol;
+            default: break;
+        }
+    }
+    if (t.back() == ':' && p->bFirstToken) return TokenLabel;
+    if (t[0] == '"') return QuotedType(p);
+    if (IsDigit(t[0]) || (t[0] == '.' && t.size() > 1)) return NumberType(t);
+    if (t == ".") return TokenBadNumber;
+    if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
+    if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
+    if (GetComparator(t.c_str())) return TokenComparator;
+    if (GetFunction(t.c_str())) return TokenFunction;
+    if (GetStatement(t.c_str())) return TokenStatement;
+    if (p->bFirstToken) return TokenVar;
+    return t[0] == '&' ? TokenVar : TokenString;
+}
+
+const Comparator* GetComparator(const char* text) {
+    for (const Comparator* c = aComparators; c->pszName; ++c)
+        if (strcasecmp(c->pszName, text) == 0) return c;
+    return nullptr;
+}
+
+const char* GetOperator(const char* text) {
+    if (!text[0] || text[1]) return nullptr;
+    return strchr("+-*/&|^", text[0]);
+}
+
+const char* GetLogical(const char* text) {
+    if (!text[0] || text[1]) return nullptr;
+    return strchr("&|^%", text[0]);
+}
+
+int Second(const char* hms) {
+    if (!hms || !*hms) return 0;
+    int h = 0, m = 0, s = 0;
+    sscanf(hms, "%d:%d:%d", &h, &m, &s);
+    return h * 3600 + m * 60 + s;
+}
+
+CBString ExtractFirstWord(const char* text) {
+    const char* e = text;
+    while (*e && *e != ' ') ++e;
+    return CBString(text, static_cast<size_t>(e - text));
+}

@@ -1,0 +1,109 @@
+// The variable table: every variable of the run, found by name without regard to case.
+// Records live in blocks of 128 that never move, so a record pointer stays valid however the
+// table grows; indexes and values are kept in order of creation.
+#include <strings.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "diagnostics.h"
+#include "kvexec.h"
+
+uint32_t uiMaxVars = 0;
+uint32_t uiVars = 0;
+
+namespace {
+
+constexpr uint32_t kGrowth = 128;
+std::vector<std::unique_ptr<Variable[]>> g_aBlocks;
+
+void Grow() {
+    g_aBlocks.emplace_back(new Variable[kGrowth]);
+    uiMaxVars += kGrowth;
+}
+
+}  // namespace
+
+void InitVariables() {
+    g_aBlocks.clear();
+    uiMaxVars = 0;
+    uiVars = 0;
+    Grow();
+}
+
+Variable* VarAt(uint32_t index) { return &g_aBlocks[index / kGrowth][index % kGrowth]; }
+
+Variable* FindVar(const char* name) {
+    for (uint32_t i = 0; i < uiVars; ++i) {
+        Variable* v = VarAt(i);
+        if (strcasecmp(v->sName.data(), name) == 0) return v;
+    }
+    return nullptr;
+}
+
+Variable* AddVar(Parser* /*p*/, const char* name) {
+    if (Variable* v = FindVar(name)) return v;
+    if (uiVars >= uiMaxVars) Grow();
+    Variable* v = VarAt(uiVars++);
+    v->sName = name;
+    v->value.eType = VarUndef;
+    return v;
+}
+
+Variable* GetVar(Parser* p, CBString name) {
+    // A name holding a reference after its first character would be reduced to the referenced
+    // value; the search starts before the name, so it never finds one.
+    int pos;
+    while ((pos = name.reversefindchr('&', -1)) >= 1) name = SubstVarValue(name, pos);
+    if (Variable* v = FindVar(name)) return v;
+    return AddVar(p, name);
+}
+
+Variable* GetVar(Parser* p, const char* name) { return GetVar(p, CBString(name)); }
+
+void SetIntegerVar(Parser* p, const char* name, int value) {
+    Variable* v = AddVar(p, name);
+    v->value.eType = VarInteger;
+    v->value.iValue = Int16(value);
+}
+
+void SetDoubleVar(Parser* p, const char* name, double value) {
+    Variable* v = AddVar(p, name);
+    v->value.eType = VarFloat;
+    v->value.dValue = value;
+}
+
+void SetStringVar(Parser* p, const char* name, const char* value) {
+    Variable* v = AddVar(p, name);
+    v->value.eType = VarString;
+    v->value.sValue = value;
+}
+
+void GetValue(Parser* p, Const* out) {
+    switch (p->eTokenType) {
+        case TokenInteger:
+            out->eType = VarInteger;
+            out->iValue = Int16(strtol(p->sToken, nullptr, 10));
+            break;
+        case TokenFloat:
+            out->eType = VarFloat;
+            out->dValue = strtod(p->sToken, nullptr);
+            break;
+        case TokenString:
+            out->eType = VarString;
+            out->sValue = p->sToken;
+            break;
+        case TokenVar: {
+            Variable* v = GetVar(p, p->sToken);
+            if (v->value.eType == VarUndef) {
+                out->eType = VarString;
+                out->sValue.clear();
+            } else {
+                *out = v->value;
+            }
+            break;
+        }
+        default: SYNTAX_ERROR(p, Src::Kvexec, At::GetValueOperand);
+    }
+}
