@@ -84,6 +84,20 @@ const char* Str(const char* name) {
     return (s && s != reinterpret_cast<const char*>(-1)) ? s : nullptr;
 }
 
+// A one-step capability, or its counted form with a count of 1 where the terminal has only that
+// (xterm, for one, inserts characters only with "ich").
+void StepCap(const char* name) {
+    static const char* const aCounted[][2] = {{"ich1", "ich"}, {"dch1", "dch"}, {"il1", "il"}, {"dl1", "dl"},
+                                              {"cuu1", "cuu"}, {"cud1", "cud"}, {"cub1", "cub"}, {"cuf1", "cuf"}};
+    if (const char* s = Str(name)) {
+        Cap(s);
+        return;
+    }
+    for (const auto& pair : aCounted)
+        if (strcmp(pair[0], name) == 0)
+            if (const char* counted = Str(pair[1])) Cap(tiparm(counted, 1));
+}
+
 void ApplyAttributes() {
     const char* sgr = Str("sgr");
     auto on = [](unsigned bit) { return (g_uiAttrs & bit) ? 1 : 0; };
@@ -109,7 +123,7 @@ void AnsiCode(unsigned char c) {
         case TermAction::Newline: g_sOut += "\r\n"; break;
         case TermAction::Text: g_sOut.push_back(static_cast<char>(c)); break;
         case TermAction::Capability:
-            if (g_bTerminfo) Cap(Str(code->pszCap));
+            if (g_bTerminfo) StepCap(code->pszCap);
             else if (c == '\b' || c == '\a' || c == '\n') g_sOut.push_back(static_cast<char>(c));
             break;
         case TermAction::AttrOn:

@@ -140,5 +140,7 @@ int RunMain(int argc, char** argv) {
     }
 
     fclose(p->pScript);
+    delete[] p->pStack;
+    p->pStack = nullptr;
     return 0;
 }

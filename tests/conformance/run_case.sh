@@ -37,6 +37,10 @@ else
 fi
 
 envs=(KVEXEC_TERM=raw TZ=UTC LC_ALL=C.UTF-8 HOME="$work")
+# Sanitizer settings pass through to the run.
+for v in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS; do
+  [ -n "${!v:-}" ] && envs+=("$v=${!v}")
+done
 if [ -f "$case_path.env" ]; then
   while IFS= read -r e || [ -n "$e" ]; do [ -n "$e" ] && envs+=("$e"); done < "$case_path.env"
 fi

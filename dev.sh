@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# Builds kvexec and runs it, its tests or its benchmarks, installing what the build needs first.
+#
+#   ./dev.sh example    build, then run examples/hello.kvx
+#   ./dev.sh test       build, then run every test (unit, conformance, terminal)
+#   ./dev.sh sanitize   build with AddressSanitizer + UBSan in build-asan, then run every test
+#   ./dev.sh bench      build, then run the benchmarks in bench/
+set -euo pipefail
+cd "$(dirname "$0")"
+
+deps() {
+  local missing=()
+  command -v cmake > /dev/null || missing+=(cmake)
+  command -v g++ > /dev/null || missing+=(g++)
+  command -v tmux > /dev/null || missing+=(tmux)
+  [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+  [ -f /usr/include/term.h ] || missing+=(libncurses-dev)
+  if [ ${#missing[@]} -gt 0 ]; then
+    echo "installing: ${missing[*]}"
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo=sudo
+    $sudo apt-get update -qq && $sudo apt-get install -y -qq "${missing[@]}"
+  fi
+}
+
+build() {  # build <dir> [cmake options]
+  local dir=$1
+  shift
+  cmake -S . -B "$dir" -DKVEXEC_WERROR=ON "$@" > /dev/null
+  cmake --build "$dir" -j"$(nproc)"
+}
+
+case "${1:-test}" in
+  example)
+    deps
+    build build
+    ./build/kvexec examples/hello.kvx
+    ;;
+  test)
+    deps
+    build build
+    ctest --test-dir build -j"$(nproc)" --output-on-failure
+    ;;
+  sanitize)
+    deps
+    build build-asan -DKVEXEC_SANITIZE=ON
+    ASAN_OPTIONS=detect_stack_use_after_return=0 UBSAN_OPTIONS=print_stacktrace=1 \
+      ctest --test-dir build-asan -j"$(nproc)" --output-on-failure
+    ;;
+  bench)
+    deps
+    build build
+    bench/run.sh build/kvexec
+    ;;
+  *)
+    echo "usage: ./dev.sh example|test|sanitize|bench" >&2
+    exit 2
+    ;;
+esac

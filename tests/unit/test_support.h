@@ -1,0 +1,61 @@
+// Shared set-up for unit tests: a fresh interpreter context over one line of text, and captured
+// terminal output.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "blocks.h"
+#include "expression.h"
+#include "kavro.h"
+#include "kvexec.h"
+
+namespace kvtest {
+
+// A context as start-up makes it, with an empty variable table holding &retcode, reading `line`.
+class Context {
+public:
+    Context() {
+        static char name[] = "unit.kvx";
+        szScript = name;
+        InitVariables();
+        ResetBlocks();
+        p.pStack = AllocOperandStack();
+        SetIntegerVar(&p, "&retcode", 0);
+        kavro::TermSetMode(kavro::TermMode::Raw);
+        kavro::TermCapture(&output);
+    }
+    ~Context() {
+        kavro::TermCapture(nullptr);
+        delete[] p.pStack;
+    }
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+
+    // Points the scanner at a line of text, as dispatch does.
+    void SetLine(const char* line) {
+        p.sLine = line;
+        p.pPos = p.sLine.data();
+    }
+
+    // Evaluates an expression the way a statement does: first token read, then Evaluate.
+    Const Eval(const char* expression, bool condition = false) {
+        SetLine(expression);
+        GetNextToken(&p);
+        Const c;
+        Evaluate(&p, &c, condition);
+        return c;
+    }
+
+    // What the terminal received so far.
+    std::string Output() {
+        kavro::TermFlush();
+        return output;
+    }
+
+    Parser p;
+    std::string output;
+};
+
+}  // namespace kvtest
