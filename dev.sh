@@ -13,6 +13,7 @@ deps() {
   command -v cmake > /dev/null || missing+=(cmake)
   command -v g++ > /dev/null || missing+=(g++)
   command -v tmux > /dev/null || missing+=(tmux)
+  [ -x /usr/bin/time ] || missing+=(time)
   [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
   [ -f /usr/include/term.h ] || missing+=(libncurses-dev)
   if [ ${#missing[@]} -gt 0 ]; then

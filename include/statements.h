@@ -4,7 +4,7 @@
 #include "types.h"
 
 struct Statement {
-    const char* pszKeyword;
+    const char* pszName;
     void (*pHandler)(Parser*);
 };
 

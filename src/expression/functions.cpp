@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "expression.h"
+#include "keyword.h"
 #include "kvexec.h"
 
 // In table order: alphabetical, except that &SYSTEM comes last. Id and argument bounds are
@@ -19,17 +20,21 @@ const Function aFunctions[] = {
 
 namespace {
 
-const Function* FindFunction(const char* name) {
+const Function* FindFunction(const char* name) { return FindKeyword(aFunctions, name); }
+
+// Whether any function name carries a "$": only then can the second look-up find anything.
+bool TableHasDollarNames() {
     for (const Function* f = aFunctions; f->pszName; ++f)
-        if (strcasecmp(f->pszName, name) == 0) return f;
-    return nullptr;
+        if (strchr(f->pszName, '$')) return true;
+    return false;
 }
 
 }  // namespace
 
 const Function* GetFunction(const char* name) {
     if (const Function* f = FindFunction(name)) return f;
-    if (strchr(name, '$')) return nullptr;
+    static const bool bDollarNames = TableHasDollarNames();
+    if (!bDollarNames || strchr(name, '$')) return nullptr;
     size_t n = strlen(name);
     char small[64];
     char* buffer = n + 2 <= sizeof small ? small : static_cast<char*>(malloc(n + 2));

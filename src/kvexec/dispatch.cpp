@@ -9,6 +9,7 @@
 #include "diagnostics.h"
 #include "expression.h"
 #include "kavro.h"
+#include "keyword.h"
 #include "kvexec.h"
 #include "statements.h"
 
@@ -28,11 +29,7 @@ const Statement aStatements[] = {
     {nullptr, nullptr},
 };
 
-const Statement* GetStatement(const char* name) {
-    for (const Statement* s = aStatements; s->pszKeyword; ++s)
-        if (strcasecmp(s->pszKeyword, name) == 0) return s;
-    return nullptr;
-}
+const Statement* GetStatement(const char* name) { return FindKeyword(aStatements, name); }
 
 namespace {
 

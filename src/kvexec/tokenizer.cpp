@@ -8,6 +8,7 @@
 #include "diagnostics.h"
 #include "expression.h"
 #include "kavro.h"
+#include "keyword.h"
 #include "kvexec.h"
 #include "statements.h"
 
@@ -193,11 +194,7 @@ TokenType GetTokenType(Parser* p) {
     return t[0] == '&' ? TokenVar : TokenString;
 }
 
-const Comparator* GetComparator(const char* text) {
-    for (const Comparator* c = aComparators; c->pszName; ++c)
-        if (strcasecmp(c->pszName, text) == 0) return c;
-    return nullptr;
-}
+const Comparator* GetComparator(const char* text) { return FindKeyword(aComparators, text); }
 
 const char* GetOperator(const char* text) {
     if (!text[0] || text[1]) return nullptr;

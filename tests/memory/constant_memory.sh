@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# The interpreter reads its script line by line and never keeps it: a script ten times longer, or a
+# loop run ten times more often, must not need more memory. Compares peak resident sizes.
+#   constant_memory.sh <kvexec binary>
+set -euo pipefail
+bin=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+# Under AddressSanitizer, freed memory is held back for a while; keep that small for this test.
+export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}quarantine_size_mb=1:detect_leaks=0"
+export KVEXEC_TERM=raw
+
+lines() {  # lines <count> <file>: a script of assignments, comments, labels and conditions
+  awk -v n="$1" 'BEGIN {
+    for (i = 0; i < n; i++) {
+      k = i % 5
+      if (k == 0) printf "x = %d + 1\n", i
+      else if (k == 1) printf "; comment line %d with some text to make it longer\n", i
+      else if (k == 2) printf "label%d:\n", i
+      else if (k == 3) printf "&IF &x > 5 &y = &x\n"
+      else printf "name%d = \"value %d\"\n", i % 50, i
+    }
+    print "&TYPE done"
+  }' > "$2"
+}
+
+loop() {  # loop <passes> <file>
+  printf 'n = 0\n&WHILE &n < %d.0\nn = &n + 1\ns = "text &n"\n&WEND\n&TYPE done\n' "$1" > "$2"
+}
+
+peak() {  # peak <script>: peak resident size in KiB; the script must print "done"
+  local out
+  out=$(/usr/bin/time -f '%M' -o "$work/rss" "$bin" "$1")
+  if [ "$out" != $'done\r' ]; then
+    echo "unexpected output from $1: $(printf '%q' "$out")"
+    exit 1
+  fi
+  cat "$work/rss"
+}
+
+check() {  # check <what> <small KiB> <large KiB>
+  echo "$1: $2 KiB, ten times the work: $3 KiB"
+  if [ "$3" -gt $(($2 + 1024)) ]; then
+    echo "FAIL: memory grows with $1"
+    exit 1
+  fi
+}
+
+lines 10000 "$work/short.kvx"
+lines 100000 "$work/long.kvx"
+check "script length" "$(peak "$work/short.kvx")" "$(peak "$work/long.kvx")"
+
+loop 100000 "$work/loop_short.kvx"
+loop 1000000 "$work/loop_long.kvx"
+check "loop passes" "$(peak "$work/loop_short.kvx")" "$(peak "$work/loop_long.kvx")"
+echo "memory stays constant"
