@@ -46,6 +46,7 @@ case "${1:-test}" in
     deps
     build build-asan -DKVEXEC_SANITIZE=ON
     ASAN_OPTIONS=detect_stack_use_after_return=0 UBSAN_OPTIONS=print_stacktrace=1 \
+      LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
       ctest --test-dir build-asan -j"$(nproc)" --output-on-failure
     ;;
   bench)

@@ -30,7 +30,7 @@ constexpr int kKeyDelete = 0x2000;    // the Delete key
 
 void LeaveRaw() {
     if (g_bRaw) {
-        tcsetattr(0, TCSAFLUSH, &g_saved);
+        tcsetattr(0, TCSANOW, &g_saved);
         g_bRaw = false;
     }
 }
@@ -71,7 +71,8 @@ void EnterRaw() {
     raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
     raw.c_cc[VMIN] = 1;
     raw.c_cc[VTIME] = 0;
-    if (tcsetattr(0, TCSAFLUSH, &raw) == 0) g_bRaw = true;
+    // TCSANOW, not TCSAFLUSH: keys typed ahead stay for the input that reads them.
+    if (tcsetattr(0, TCSANOW, &raw) == 0) g_bRaw = true;
 }
 
 int ReadByte(int timeoutMs) {

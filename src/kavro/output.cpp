@@ -62,11 +62,37 @@ void WriteAll(const char* p, size_t n) {
     }
 }
 
+// Where the cursor goes for one byte of output: text advances it, and screen codes move it as
+// the terminal will. Bytes of a UTF-8 sequence after its first take no column; other bytes in
+// 0x80-0xbf are screen codes, as the translation below reads them.
+int g_iTrackNeed = 0;
+
 void Track(unsigned char c) {
-    if (c == '\r' || c == '\n') g_iColumn = 0;
-    else if (c == '\b') g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0;
-    else if (c == '\t') g_iColumn = (g_iColumn / 8 + 1) * 8;
-    else if ((c >= 0x20 && c < 0x7f) || c >= 0xc0) ++g_iColumn;
+    if (g_iTrackNeed > 0 && (c & 0xc0) == 0x80) {
+        --g_iTrackNeed;
+        return;
+    }
+    g_iTrackNeed = 0;
+    if (c >= 0xc2 && c <= 0xf4) {
+        g_iTrackNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
+        ++g_iColumn;
+        return;
+    }
+    switch (c) {
+        case '\r':
+        case '\n':
+        case 0x01:  // home
+        case 0x0c:  // clear
+        case 0x80:  // new line
+            g_iColumn = 0;
+            return;
+        case '\b': g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0; return;
+        case '\t': g_iColumn = (g_iColumn / 8 + 1) * 8; return;
+        case 0x06: ++g_iColumn; return;  // cursor right
+        default: break;
+    }
+    if ((c >= 0x20 && c < 0x7f) || c >= 0xc0) ++g_iColumn;
+    else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Box) ++g_iColumn;
 }
 
 int PutSeqChar(int c) {
