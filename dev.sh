@@ -5,6 +5,7 @@
 #   ./dev.sh test       build, then run every test (unit, conformance, terminal)
 #   ./dev.sh sanitize   build with AddressSanitizer + UBSan in build-asan, then run every test
 #   ./dev.sh bench      build, then run the benchmarks in bench/
+#   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -54,8 +55,14 @@ case "${1:-test}" in
     build build
     bench/run.sh build/kvexec
     ;;
+  lint)
+    deps
+    cmake -S . -B build -DKVEXEC_WERROR=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
+    clang-format --dry-run --Werror src/*/*.cpp include/*.h tests/unit/*.cpp tests/unit/*.h
+    clang-tidy --quiet -p build src/*/*.cpp
+    ;;
   *)
-    echo "usage: ./dev.sh example|test|sanitize|bench" >&2
+    echo "usage: ./dev.sh example|test|sanitize|bench|lint" >&2
     exit 2
     ;;
 esac

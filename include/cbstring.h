@@ -28,7 +28,10 @@ public:
     CBString& operator=(const CBString&) = default;
     CBString& operator=(CBString&&) noexcept = default;
     CBString& operator=(const char* s) {
-        if (s) s_.assign(s); else s_.clear();
+        if (s)
+            s_.assign(s);
+        else
+            s_.clear();
         return *this;
     }
     CBString& operator=(char c) {
@@ -49,9 +52,18 @@ public:
         return s_[static_cast<size_t>(i)];
     }
 
-    CBString& operator+=(const CBString& b) { s_ += b.s_; return *this; }
-    CBString& operator+=(const char* b) { if (b) s_ += b; return *this; }
-    CBString& operator+=(char c) { s_ += c; return *this; }
+    CBString& operator+=(const CBString& b) {
+        s_ += b.s_;
+        return *this;
+    }
+    CBString& operator+=(const char* b) {
+        if (b) s_ += b;
+        return *this;
+    }
+    CBString& operator+=(char c) {
+        s_ += c;
+        return *this;
+    }
     void assign(const char* p, size_t n) { s_.assign(p, n); }
     void append(const char* p, size_t n) { s_.append(p, n); }
 
@@ -68,7 +80,9 @@ public:
     int reversefindchr(char c, int pos) const;
     void ltrim(const char* chars = " \t\v\f\r\n");
     void rtrim(const char* chars = " \t\v\f\r\n");
-    void trunc(int len) { if (len >= 0 && len < length()) s_.resize(static_cast<size_t>(len)); }
+    void trunc(int len) {
+        if (len >= 0 && len < length()) s_.resize(static_cast<size_t>(len));
+    }
     void toupper();
     void insertchrs(int pos, int len, char c);
     void clear() { s_.clear(); }
@@ -82,9 +96,21 @@ public:
     friend bool operator==(const CBString& a, const char* b) { return a.s_ == (b ? b : ""); }
     friend bool operator!=(const CBString& a, const char* b) { return !(a == b); }
 
-    friend CBString operator+(const CBString& a, const CBString& b) { CBString r(a); r += b; return r; }
-    friend CBString operator+(const CBString& a, const char* b) { CBString r(a); r += b; return r; }
-    friend CBString operator+(const char* a, const CBString& b) { CBString r(a); r += b; return r; }
+    friend CBString operator+(const CBString& a, const CBString& b) {
+        CBString r(a);
+        r += b;
+        return r;
+    }
+    friend CBString operator+(const CBString& a, const char* b) {
+        CBString r(a);
+        r += b;
+        return r;
+    }
+    friend CBString operator+(const char* a, const CBString& b) {
+        CBString r(a);
+        r += b;
+        return r;
+    }
 
 private:
     // Byte-wise comparison, bytes taken as unsigned.

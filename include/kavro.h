@@ -16,11 +16,11 @@ namespace kavro {
 
 // The session's environment record.
 struct KavroEnv {
-    CBString sPrompt;         // written by line input before it reads
-    char cCaseMode = 'M';     // input case mode: 'U' upper, 'L' swap, anything else as typed
-    CBString sAccount;        // account name
-    char cDateStyle = 'Y';    // 'A' American, 'E' European, anything else year first
-    int iYearMode = 1;        // 2 two-digit years, 0 two digits before 2000, other four digits
+    CBString sPrompt;       // written by line input before it reads
+    char cCaseMode = 'M';   // input case mode: 'U' upper, 'L' swap, anything else as typed
+    CBString sAccount;      // account name
+    char cDateStyle = 'Y';  // 'A' American, 'E' European, anything else year first
+    int iYearMode = 1;      // 2 two-digit years, 0 two digits before 2000, other four digits
     uint16_t uiSerial1 = 0;
     uint16_t uiSerial2 = 0;
 };
@@ -68,18 +68,18 @@ void TermCapture(std::string* sink);
 // ---- Keyboard input --------------------------------------------------------------------
 
 struct TermWin {
-    int iKind = 0;      // 2 for a window of the window manager
+    int iKind = 0;  // 2 for a window of the window manager
     int iActive = 0;
-    int iRow = 0;       // cursor position where input starts, relative to that input
+    int iRow = 0;  // cursor position where input starts, relative to that input
     int iCol = 0;
-    int iWidth = 0;     // columns before input wraps; 0 for no wrapping
+    int iWidth = 0;  // columns before input wraps; 0 for no wrapping
 };
 
-bool TermIsInteractive();             // standard input is a terminal
+bool TermIsInteractive();  // standard input is a terminal
 TermWin TermGetWin();
 int TermGetActive();
-int TermSetCursor(int shape);         // returns the previous shape
-int TermGetUnicode();                 // next key, or -1 at end of input
+int TermSetCursor(int shape);  // returns the previous shape
+int TermGetUnicode();          // next key, or -1 at end of input
 int TermConvIn(int key);
 // Writes ch at a position of the line being edited: rows and columns relative to where
 // TermGetWin found the cursor (row 0), columns counted from the left edge.
@@ -110,8 +110,8 @@ const std::string& t_StackText();
 int t_system(const char* command);
 
 struct CFileInfo {
-    int iKind = 0;    // 2 file, 8 directory, 16 device, 64 FIFO, 128 dangling link, 512 socket
-    int iOwner = 0;   // owner uid
+    int iKind = 0;   // 2 file, 8 directory, 16 device, 64 FIFO, 128 dangling link, 512 socket
+    int iOwner = 0;  // owner uid
     long long llSize = 0;
 };
 

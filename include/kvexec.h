@@ -35,6 +35,17 @@ bool FirstWordIs(const char* line, const char* keyword);
 // ---- Line dispatch -----------------------------------------------------------------------
 
 void _Parse_Line(Parser* p, char* line);
+
+// Statements that read their own lines nest one call per open block (and a failing &ERROR line
+// one per failure); past this depth the run ends as out of memory rather than exhausting the
+// machine stack. Each nesting level holds a guard.
+constexpr int kMaxNesting = 100000;
+struct NestingGuard {
+    explicit NestingGuard(Parser* p);
+    ~NestingGuard();
+    NestingGuard(const NestingGuard&) = delete;
+    NestingGuard& operator=(const NestingGuard&) = delete;
+};
 CBString ParseCommand(Parser* p, const char* text);
 
 // ---- Tokenizer ---------------------------------------------------------------------------

@@ -13,16 +13,11 @@ const int b_aiDays[2][13] = {
 
 // Ten language slots of seven names, Sunday first; a slot without names gives empty texts.
 const char* const weekdays[70] = {
-    "Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday",
-    "", "", "", "", "", "", "",
-    "Dimanche", "Lundi", "Mardi", "Mercredi", "Jeudi", "Vendredi", "Samedi",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
-    "", "", "", "", "", "", "",
+    "Sunday",   "Monday", "Tuesday", "Wednesday", "Thursday", "Friday",   "Saturday", "", "", "", "", "", "", "",
+    "Dimanche", "Lundi",  "Mardi",   "Mercredi",  "Jeudi",    "Vendredi", "Samedi",   "", "", "", "", "", "", "",
+    "",         "",       "",        "",          "",         "",         "",         "", "", "", "", "", "", "",
+    "",         "",       "",        "",          "",         "",         "",         "", "", "", "", "", "", "",
+    "",         "",       "",        "",          "",         "",         "",         "", "", "", "", "", "", "",
 };
 
 namespace {
@@ -135,7 +130,9 @@ CBString Date(int day) {
     // Eleven characters: a longer date is cut, as the fixed-size buffer always did.
     char buffer[11];
 #pragma GCC diagnostic push
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wformat-truncation"
+#endif
     switch (kavro::Kavro->cDateStyle) {
         case 'A': snprintf(buffer, sizeof buffer, "%02d/%02d/%0*d", month, mday, width, shown); break;
         case 'E': snprintf(buffer, sizeof buffer, "%02d-%02d-%0*d", mday, month, width, shown); break;

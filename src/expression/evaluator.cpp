@@ -102,9 +102,7 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             Eval(p, result, false);
             Settle(p, st);
             break;
-        case TokenEndGroup:
-            step = Step::Operator;
-            return true;
+        case TokenEndGroup: step = Step::Operator; return true;
         case TokenVar: {
             Variable* v = GetVar(p, CBString(p->sToken));
             Push(p, &v->value);

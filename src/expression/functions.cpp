@@ -12,10 +12,10 @@
 // In table order: alphabetical, except that &SYSTEM comes last. Id and argument bounds are
 // carried for reference; each handler asks for the arguments it takes.
 const Function aFunctions[] = {
-    {"&CAT", 1, ParseCat, 2, 2},         {"&ENV", 2, ParseEnv, 1, 1},   {"&EXIST", 3, ParseExist, 1, 1},
+    {"&CAT", 1, ParseCat, 2, 2},           {"&ENV", 2, ParseEnv, 1, 1},     {"&EXIST", 3, ParseExist, 1, 1},
     {"&FILESIZE", 4, ParseFilesize, 1, 1}, {"&INDEX", 5, ParseIndex, 0, 0}, {"&LEN", 6, ParseLen, 1, 1},
-    {"&LIT", 7, ParseLit, 1, 1},         {"&SUB", 9, ParseSub, 2, 3},   {"&TYP", 10, ParseTyp, 1, 1},
-    {"&SYSTEM", 11, ParseSystem, 1, 3},  {nullptr, 0, nullptr, 0, 0},
+    {"&LIT", 7, ParseLit, 1, 1},           {"&SUB", 9, ParseSub, 2, 3},     {"&TYP", 10, ParseTyp, 1, 1},
+    {"&SYSTEM", 11, ParseSystem, 1, 3},    {nullptr, 0, nullptr, 0, 0},
 };
 
 namespace {

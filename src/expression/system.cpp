@@ -91,10 +91,10 @@ struct SystemKeyword {
 };
 
 const SystemKeyword aSystemKeywords[] = {
-    {"ACCOUNT", Account}, {"CWD", Cwd},         {"DATE", DateKeyword}, {"DAY", Day},
-    {"FTIME", Ftime},     {"PID", Pid},         {"PORT", Pid},         {"PRIV", Priv},
-    {"SERIAL", Serial},   {"TASKS", Tasks},     {"TIME", TimeKeyword}, {"TOD", TodKeyword},
-    {"TODAY", Today},     {"UID", Uid},         {"USERS", Users},      {"WEEKDAY", Weekday},
+    {"ACCOUNT", Account}, {"CWD", Cwd},     {"DATE", DateKeyword}, {"DAY", Day},
+    {"FTIME", Ftime},     {"PID", Pid},     {"PORT", Pid},         {"PRIV", Priv},
+    {"SERIAL", Serial},   {"TASKS", Tasks}, {"TIME", TimeKeyword}, {"TOD", TodKeyword},
+    {"TODAY", Today},     {"UID", Uid},     {"USERS", Users},      {"WEEKDAY", Weekday},
 };
 
 }  // namespace

@@ -49,14 +49,22 @@ int16_t Magnitude(int16_t v) { return Int16(v < 0 ? -static_cast<int>(v) : v); }
 // Brings two values of different types to a common one.
 void Unify(Const* l, Const* r) {
     XVarType L = l->eType, R = r->eType;
-    if (R == VarInteger && L == VarString) ToInteger(l);
-    else if (R == VarFloat && L == VarString) ToDouble(l);
-    else if (L == VarInteger && R == VarFloat) ToDouble(l);
-    else if (R == VarString && L == VarInteger) ToInteger(r);
-    else if (R == VarString && L == VarFloat) ToDouble(r);
-    else if (L == VarFloat && R == VarInteger) ToDouble(r);
-    else if (L == VarUndef && R == VarString) ToString(l);
-    else if (R == VarUndef && L == VarString) ToString(r);
+    if (R == VarInteger && L == VarString)
+        ToInteger(l);
+    else if (R == VarFloat && L == VarString)
+        ToDouble(l);
+    else if (L == VarInteger && R == VarFloat)
+        ToDouble(l);
+    else if (R == VarString && L == VarInteger)
+        ToInteger(r);
+    else if (R == VarString && L == VarFloat)
+        ToDouble(r);
+    else if (L == VarFloat && R == VarInteger)
+        ToDouble(r);
+    else if (L == VarUndef && R == VarString)
+        ToString(l);
+    else if (R == VarUndef && L == VarString)
+        ToString(r);
     else if (L == VarUndef && R == VarInteger) {
         ToInteger(l);
         r->iValue = Magnitude(r->iValue);

@@ -28,12 +28,18 @@ int t_Locate(CFileInfo& info, const char* name) {
         }
         st = target;
     }
-    if (S_ISREG(st.st_mode)) info.iKind = 2;
-    else if (S_ISDIR(st.st_mode)) info.iKind = 8;
-    else if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode)) info.iKind = 16;
-    else if (S_ISFIFO(st.st_mode)) info.iKind = 64;
-    else if (S_ISSOCK(st.st_mode)) info.iKind = 512;
-    else info.iKind = 0;
+    if (S_ISREG(st.st_mode))
+        info.iKind = 2;
+    else if (S_ISDIR(st.st_mode))
+        info.iKind = 8;
+    else if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode))
+        info.iKind = 16;
+    else if (S_ISFIFO(st.st_mode))
+        info.iKind = 64;
+    else if (S_ISSOCK(st.st_mode))
+        info.iKind = 512;
+    else
+        info.iKind = 0;
     info.iOwner = static_cast<int>(st.st_uid);
     info.llSize = st.st_size;
     return 0;

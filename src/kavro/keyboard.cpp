@@ -77,7 +77,9 @@ void EnterRaw() {
 
 int ReadByte(int timeoutMs) {
     if (timeoutMs >= 0) {
-        struct pollfd pfd {0, POLLIN, 0};
+        struct pollfd pfd {
+            0, POLLIN, 0
+        };
         if (poll(&pfd, 1, timeoutMs) <= 0) return -1;
     }
     unsigned char c = 0;
@@ -133,8 +135,10 @@ int TermGetActive() { return 252; }
 int TermSetCursor(int shape) {
     int previous = g_iCursor;
     g_iCursor = shape;
-    if (shape == 2) EnterRaw();
-    else LeaveRaw();
+    if (shape == 2)
+        EnterRaw();
+    else
+        LeaveRaw();
     return previous;
 }
 

@@ -11,7 +11,9 @@ std::string g_sSaved;  // snapshot taken by t_StackSave
 
 bool t_bStackShow = false;
 
-void t_StackWrite(const char* text) { if (text) g_sStack += text; }
+void t_StackWrite(const char* text) {
+    if (text) g_sStack += text;
+}
 void t_StackWrite(const CBString& text) { g_sStack += text.str(); }
 
 void t_StackClear() {

@@ -2,8 +2,8 @@
 // flush. In raw mode the bytes go out exactly as produced. In ansi mode carriage returns end
 // lines and the one-byte screen codes become the terminal's own sequences (from terminfo); in
 // text mode carriage returns become line feeds and screen codes are dropped.
-#include <langinfo.h>
 #include <curses.h>
+#include <langinfo.h>
 #include <term.h>
 #include <unistd.h>
 
@@ -91,8 +91,10 @@ void Track(unsigned char c) {
         case 0x06: ++g_iColumn; return;  // cursor right
         default: break;
     }
-    if ((c >= 0x20 && c < 0x7f) || c >= 0xc0) ++g_iColumn;
-    else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Box) ++g_iColumn;
+    if ((c >= 0x20 && c < 0x7f) || c >= 0xc0)
+        ++g_iColumn;
+    else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Box)
+        ++g_iColumn;
 }
 
 int PutSeqChar(int c) {
@@ -113,7 +115,7 @@ const char* Str(const char* name) {
 // A one-step capability, or its counted form with a count of 1 where the terminal has only that
 // (xterm, for one, inserts characters only with "ich").
 void StepCap(const char* name) {
-    static const char* const aCounted[][2] = {{"ich1", "ich"}, {"dch1", "dch"}, {"il1", "il"}, {"dl1", "dl"},
+    static const char* const aCounted[][2] = {{"ich1", "ich"}, {"dch1", "dch"}, {"il1", "il"},   {"dl1", "dl"},
                                               {"cuu1", "cuu"}, {"cud1", "cud"}, {"cub1", "cub"}, {"cuf1", "cuf"}};
     if (const char* s = Str(name)) {
         Cap(s);
@@ -149,14 +151,18 @@ void AnsiCode(unsigned char c) {
         case TermAction::Newline: g_sOut += "\r\n"; break;
         case TermAction::Text: g_sOut.push_back(static_cast<char>(c)); break;
         case TermAction::Capability:
-            if (g_bTerminfo) StepCap(code->pszCap);
-            else if (c == '\b' || c == '\a' || c == '\n') g_sOut.push_back(static_cast<char>(c));
+            if (g_bTerminfo)
+                StepCap(code->pszCap);
+            else if (c == '\b' || c == '\a' || c == '\n')
+                g_sOut.push_back(static_cast<char>(c));
             break;
         case TermAction::AttrOn:
         case TermAction::AttrOff: {
             unsigned before = g_uiAttrs;
-            if (code->eAction == TermAction::AttrOn) g_uiAttrs |= code->uiAttr;
-            else g_uiAttrs &= ~code->uiAttr;
+            if (code->eAction == TermAction::AttrOn)
+                g_uiAttrs |= code->uiAttr;
+            else
+                g_uiAttrs &= ~code->uiAttr;
             if (g_bTerminfo && before != g_uiAttrs) ApplyAttributes();
             break;
         }
@@ -166,15 +172,19 @@ void AnsiCode(unsigned char c) {
 }
 
 void TextCode(unsigned char c) {
-    if (c == '\r') g_sOut.push_back('\n');
-    else if (c == '\n' || c == '\t') g_sOut.push_back(static_cast<char>(c));
+    if (c == '\r')
+        g_sOut.push_back('\n');
+    else if (c == '\n' || c == '\t')
+        g_sOut.push_back(static_cast<char>(c));
     else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Newline)
         g_sOut.push_back('\n');
 }
 
 void Code(unsigned char c) {
-    if (g_mode == TermMode::Ansi) AnsiCode(c);
-    else TextCode(c);
+    if (g_mode == TermMode::Ansi)
+        AnsiCode(c);
+    else
+        TextCode(c);
 }
 
 void FlushPending() {
@@ -212,7 +222,8 @@ void Translate(unsigned char c) {
 void Emit(const char* p, size_t n) {
     if (g_sOut.empty()) g_lPendingSince = MonotonicNanoseconds();
     for (size_t i = 0; i < n; ++i) Track(static_cast<unsigned char>(p[i]));
-    if (g_mode == TermMode::Raw) g_sOut.append(p, n);
+    if (g_mode == TermMode::Raw)
+        g_sOut.append(p, n);
     else
         for (size_t i = 0; i < n; ++i) Translate(static_cast<unsigned char>(p[i]));
     if (g_bTty || g_sOut.size() >= kFlushAt) TermFlush();
@@ -239,9 +250,12 @@ void TermInit() {
     g_bTty = isatty(1) != 0;
     const char* m = getenv("KVEXEC_TERM");
     TermMode mode = g_bTty ? TermMode::Ansi : TermMode::Raw;
-    if (m && strcmp(m, "raw") == 0) mode = TermMode::Raw;
-    else if (m && strcmp(m, "ansi") == 0) mode = TermMode::Ansi;
-    else if (m && strcmp(m, "text") == 0) mode = TermMode::Text;
+    if (m && strcmp(m, "raw") == 0)
+        mode = TermMode::Raw;
+    else if (m && strcmp(m, "ansi") == 0)
+        mode = TermMode::Ansi;
+    else if (m && strcmp(m, "text") == 0)
+        mode = TermMode::Text;
     TermSetMode(mode);
 }
 
@@ -299,8 +313,10 @@ void TermMoveRelative(int rows, int cols) {
     auto repeat = [](const char* cap, const char* fallback, int n) {
         for (int i = 0; i < n; ++i) {
             const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str(cap) : nullptr;
-            if (s) Cap(s);
-            else g_sOut += fallback;
+            if (s)
+                Cap(s);
+            else
+                g_sOut += fallback;
         }
     };
     if (rows < 0) repeat("cuu1", "\x1b[A", -rows);
@@ -313,8 +329,10 @@ void TermMoveRelative(int rows, int cols) {
 
 void TermCarriageReturn() {
     const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str("cr") : nullptr;
-    if (s) Cap(s);
-    else g_sOut += "\r";
+    if (s)
+        Cap(s);
+    else
+        g_sOut += "\r";
     g_iColumn = 0;
     if (g_bTty) TermFlush();
 }

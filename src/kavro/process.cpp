@@ -65,7 +65,8 @@ int t_system(const char* command) {
     posix_spawnattr_setsigmask(&attr, &none);
     posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
 
-    struct sigaction ignore {}, oldInt {}, oldQuit {};
+    struct sigaction ignore {
+    }, oldInt{}, oldQuit{};
     ignore.sa_handler = SIG_IGN;
     sigemptyset(&ignore.sa_mask);
     sigaction(SIGINT, &ignore, &oldInt);
@@ -80,8 +81,10 @@ int t_system(const char* command) {
         int ws = 0;
         while (waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
         }
-        if (WIFEXITED(ws)) status = WEXITSTATUS(ws);
-        else if (WIFSIGNALED(ws)) status = 128 + WTERMSIG(ws);
+        if (WIFEXITED(ws))
+            status = WEXITSTATUS(ws);
+        else if (WIFSIGNALED(ws))
+            status = 128 + WTERMSIG(ws);
     }
 
     sigaction(SIGINT, &oldInt, nullptr);

@@ -72,8 +72,7 @@ bool Glob(const char* t, const char* p) {
 
 bool strmatch(const char* text, const char* pattern) {
     const char* star = strchr(pattern, '*');
-    if (!star || star[1] == '\0' || star[2] != '\0' || (star[1] != '?' && star[1] != '.'))
-        return Glob(text, pattern);
+    if (!star || star[1] == '\0' || star[2] != '\0' || (star[1] != '?' && star[1] != '.')) return Glob(text, pattern);
 
     size_t fixed = static_cast<size_t>(star - pattern);
     size_t len = strlen(text);

@@ -25,9 +25,12 @@ bool Condition(Parser* p) {
 // A skipped nested conditional ends only at "&IFEND": one closed with "&ENDIF" makes the skip run
 // on to the next "&IFEND".
 void _DiscardFullIfBlock(Parser* p) {
+    NestingGuard guard(p);
     while (char* line = GetLine(p, szLine, sizeof szLine)) {
-        if (FirstWordIs(line, "&IF")) _DiscardFullIfBlock(p);
-        else if (FirstWordIs(line, "&IFEND")) break;
+        if (FirstWordIs(line, "&IF"))
+            _DiscardFullIfBlock(p);
+        else if (FirstWordIs(line, "&IFEND"))
+            break;
     }
     SkipLine(p);
 }
@@ -62,8 +65,10 @@ CBString _DiscardElseIfBlock(Parser* p) {
 
 void _DiscardElseBlock(Parser* p) {
     while (char* line = GetLine(p, szLine, sizeof szLine)) {
-        if (FirstWordIs(line, "&IF")) _DiscardFullIfBlock(p);
-        else if (IsIfCloser(line)) break;
+        if (FirstWordIs(line, "&IF"))
+            _DiscardFullIfBlock(p);
+        else if (IsIfCloser(line))
+            break;
     }
     SkipLine(p);
 }
@@ -142,8 +147,10 @@ void ParseElseif(Parser* p) {
 
     if (!taken) {
         CBString word = _DiscardElseIfBlock(p);
-        if (strcasecmp(word, "&ELSEIF") == 0 || strcasecmp(word, "&ELSE") == 0) _Parse_Line(p, szLine);
-        else if (strcasecmp(word, "&IFEND") == 0 || strcasecmp(word, "&ENDIF") == 0) PopBlock();
+        if (strcasecmp(word, "&ELSEIF") == 0 || strcasecmp(word, "&ELSE") == 0)
+            _Parse_Line(p, szLine);
+        else if (strcasecmp(word, "&IFEND") == 0 || strcasecmp(word, "&ENDIF") == 0)
+            PopBlock();
         SkipLine(p);
         return;
     }

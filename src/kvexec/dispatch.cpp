@@ -15,38 +15,20 @@
 
 // In table order; looked up by whole keyword, case ignored.
 const Statement aStatements[] = {
-    {"&BEGSTACK", ParseBegstack}, {"&BEGTYPE", ParseBegtype}, {"&BREAK", ParseBreak},
-    {"&CALL", ParseCall},         {"&CRT", ParseCrt},         {"&CONTINUE", ParseContinue},
-    {"&CONTROL", ParseControl},   {"&ELSEIF", ParseElseif},   {"&ELSE", ParseElse},
-    {"&END", ParseEnd},           {"&ENDIF", ParseIfend},     {"&ERROR", ParseError},
-    {"&ESC", ParseEsc},           {"&FOR", ParseFor},         {"&GOTO", ParseGoto},
-    {"&IF", ParseIf},             {"&IFEND", ParseIfend},     {"&LOOP", ParseLoop},
-    {"&MENU", ParseMenu},         {"&NEXT", ParseNext},       {"&QUIT", ParseQuit},
-    {"&READ", ParseRead},         {"&RETURN", ParseReturn},   {"&SHIFT", ParseShift},
-    {"&SKIP", ParseSkip},         {"&SLEEP", ParseSleep},     {"&SPACE", ParseSpace},
-    {"&STACK", ParseStack},       {"&TYPE", ParseType},       {"&UNTIL", ParseUntil},
-    {"&WAIT", ParseWait},         {"&WEND", ParseWend},       {"&WHILE", ParseWhile},
-    {nullptr, nullptr},
+    {"&BEGSTACK", ParseBegstack}, {"&BEGTYPE", ParseBegtype},   {"&BREAK", ParseBreak},     {"&CALL", ParseCall},
+    {"&CRT", ParseCrt},           {"&CONTINUE", ParseContinue}, {"&CONTROL", ParseControl}, {"&ELSEIF", ParseElseif},
+    {"&ELSE", ParseElse},         {"&END", ParseEnd},           {"&ENDIF", ParseIfend},     {"&ERROR", ParseError},
+    {"&ESC", ParseEsc},           {"&FOR", ParseFor},           {"&GOTO", ParseGoto},       {"&IF", ParseIf},
+    {"&IFEND", ParseIfend},       {"&LOOP", ParseLoop},         {"&MENU", ParseMenu},       {"&NEXT", ParseNext},
+    {"&QUIT", ParseQuit},         {"&READ", ParseRead},         {"&RETURN", ParseReturn},   {"&SHIFT", ParseShift},
+    {"&SKIP", ParseSkip},         {"&SLEEP", ParseSleep},       {"&SPACE", ParseSpace},     {"&STACK", ParseStack},
+    {"&TYPE", ParseType},         {"&UNTIL", ParseUntil},       {"&WAIT", ParseWait},       {"&WEND", ParseWend},
+    {"&WHILE", ParseWhile},       {nullptr, nullptr},
 };
 
 const Statement* GetStatement(const char* name) { return FindKeyword(aStatements, name); }
 
 namespace {
-
-// Statements that read their own lines call back into dispatch once per open block; past this
-// depth the run ends as out of memory rather than exhausting the machine stack.
-constexpr int kMaxNesting = 100000;
-int g_iNesting = 0;
-
-struct NestingGuard {
-    explicit NestingGuard(Parser* p) {
-        if (++g_iNesting > kMaxNesting) {
-            errno = ENOMEM;
-            MEMORY_ERROR(p, Src::Kvexec, At::AllocBuf);
-        }
-    }
-    ~NestingGuard() { --g_iNesting; }
-};
 
 void TraceToken(Parser* p) {
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s\r", aszTokenTypes[p->eTokenType], p->sToken.data());
@@ -60,8 +42,10 @@ void SetEnvironment(CBString& text) {
     if (!name) return;
     kavro::strupr(name);
     char* value = strtok(nullptr, "=\" ");
-    if (value && *value) setenv(name, value, 1);
-    else unsetenv(name);
+    if (value && *value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
 }
 
 void RunCommandLine(Parser* p) {
@@ -99,6 +83,19 @@ void VariableLine(Parser* p) {
 bool IsWordStart(char c) { return kavro::t_isalpha(c) || c == '.' || c == '/' || c == '_'; }
 
 }  // namespace
+
+namespace {
+int g_iNesting = 0;
+}  // namespace
+
+NestingGuard::NestingGuard(Parser* p) {
+    if (++g_iNesting > kMaxNesting) {
+        errno = ENOMEM;
+        MEMORY_ERROR(p, Src::Kvexec, At::AllocBuf);
+    }
+}
+
+NestingGuard::~NestingGuard() { --g_iNesting; }
 
 void _Parse_Line(Parser* p, char* line) {
     NestingGuard guard(p);

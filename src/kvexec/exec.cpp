@@ -21,7 +21,8 @@ void FoldCase(CBString& command) {
     if (!lower) return;
     bool quoted = false;
     for (char& c : s) {
-        if (c == '"') quoted = !quoted;
+        if (c == '"')
+            quoted = !quoted;
         else if (!quoted && isupper(static_cast<unsigned char>(c)))
             c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
     }
@@ -51,9 +52,7 @@ void ParseQuit(Parser* p) {
     }
     Evaluate(p, &value, false);
     switch (value.eType) {
-        case VarInteger:
-            kavro::t_StackClear();
-            exit(value.iValue);
+        case VarInteger: kavro::t_StackClear(); exit(value.iValue);
         case VarFloat: {
             double d = std::trunc(value.dValue);
             int status = (d > -2147483648.0 && d < 2147483648.0) ? static_cast<int>(d) : 0;
@@ -64,8 +63,6 @@ void ParseQuit(Parser* p) {
             Exec(p, value.sValue);
             kavro::t_StackClear();
             exit(0);
-        default:
-            kavro::t_StackClear();
-            exit(0);
+        default: kavro::t_StackClear(); exit(0);
     }
 }

@@ -11,23 +11,22 @@
 #include "statements.h"
 
 const CrtCode aCrt[] = {
-    {"BEL*?", 0x07},  {"BOF*?", 0x1e}, {"BON", 0x1d},   {"C*?", 0x0c},    {"CR", 0x0d},     {"DC", 0x14},
-    {"DL", 0x12},     {"D*?", 0x0a},   {"EOL", 0x17},   {"EOS", 0x18},    {"ESC", 0x1b},    {"EU", 0x1c},
-    {"FOF*?", 0x03},  {"FON", 0x02},   {"GOF*?", 0x85}, {"GON", 0x84},    {"HOF*?", 0x05},  {"HON", 0x04},
-    {"H*?", 0x01},    {"IC", 0x13},    {"IL", 0x11},    {"KOF*?", 0x15},  {"KON", 0x19},    {"L*?", 0x08},
-    {"MOF*?", 0x81},  {"MON", 0x80},   {"NL", 0x80},    {"POF*?", 0x05},  {"PON", 0x04},    {"RVOF*?", 0x0f},
-    {"RVON", 0x0e},   {"R*?", 0x06},   {"SOF*?", 0x83}, {"SON", 0x82},    {"TAB", 0x09},    {"ULOF*?", 0x16},
-    {"ULON", 0x0b},   {"U*?", 0x1a},   {nullptr, 0},
+    {"BEL*?", 0x07}, {"BOF*?", 0x1e}, {"BON", 0x1d},   {"C*?", 0x0c},   {"CR", 0x0d},    {"DC", 0x14},
+    {"DL", 0x12},    {"D*?", 0x0a},   {"EOL", 0x17},   {"EOS", 0x18},   {"ESC", 0x1b},   {"EU", 0x1c},
+    {"FOF*?", 0x03}, {"FON", 0x02},   {"GOF*?", 0x85}, {"GON", 0x84},   {"HOF*?", 0x05}, {"HON", 0x04},
+    {"H*?", 0x01},   {"IC", 0x13},    {"IL", 0x11},    {"KOF*?", 0x15}, {"KON", 0x19},   {"L*?", 0x08},
+    {"MOF*?", 0x81}, {"MON", 0x80},   {"NL", 0x80},    {"POF*?", 0x05}, {"PON", 0x04},   {"RVOF*?", 0x0f},
+    {"RVON", 0x0e},  {"R*?", 0x06},   {"SOF*?", 0x83}, {"SON", 0x82},   {"TAB", 0x09},   {"ULOF*?", 0x16},
+    {"ULON", 0x0b},  {"U*?", 0x1a},   {nullptr, 0},
 };
 
 // "DVER*." ends in a full stop where its neighbours end in a question mark; "DL" here is never
 // reached, since the screen codes have "DL" too.
 const CrtCode aLine[] = {
-    {"DDI", 0xb7},  {"DFWI", 0xb3}, {"DHOR*?", 0xb8}, {"DI", 0xa8},   {"DL", 0x12},   {"DLI", 0xb4},
-    {"DLLC", 0xb2}, {"DLRC", 0xb1}, {"DRI", 0xb5},    {"DUI", 0xb6},  {"DULC", 0xaf}, {"DURC", 0xb0},
-    {"DVER*.", 0xb9}, {"FWI", 0xa4}, {"HOR*?", 0xa9}, {"LI", 0xa5},   {"LLC", 0xa3},  {"LRC", 0xa2},
-    {"RI", 0xa6},   {"RLLC", 0xae}, {"RLRC", 0xad},   {"RULC", 0xab}, {"RURC", 0xac}, {"UI", 0xa7},
-    {"ULC", 0xa0},  {"URC", 0xa1},  {"VER*?", 0xaa},  {nullptr, 0},
+    {"DDI", 0xb7},   {"DFWI", 0xb3}, {"DHOR*?", 0xb8}, {"DI", 0xa8},   {"DL", 0x12},   {"DLI", 0xb4},    {"DLLC", 0xb2},
+    {"DLRC", 0xb1},  {"DRI", 0xb5},  {"DUI", 0xb6},    {"DULC", 0xaf}, {"DURC", 0xb0}, {"DVER*.", 0xb9}, {"FWI", 0xa4},
+    {"HOR*?", 0xa9}, {"LI", 0xa5},   {"LLC", 0xa3},    {"LRC", 0xa2},  {"RI", 0xa6},   {"RLLC", 0xae},   {"RLRC", 0xad},
+    {"RULC", 0xab},  {"RURC", 0xac}, {"UI", 0xa7},     {"ULC", 0xa0},  {"URC", 0xa1},  {"VER*?", 0xaa},  {nullptr, 0},
 };
 
 CBString _code2val(CBString& name, const CrtCode* table) {

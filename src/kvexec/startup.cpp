@@ -1,12 +1,12 @@
 // Start-up, the script read loop and the reading of script lines.
+#include <libgen.h>
+#include <unistd.h>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <libgen.h>
 #include <new>
-#include <unistd.h>
 
 #include "diagnostics.h"
 #include "expression.h"

@@ -13,17 +13,16 @@
 #include "statements.h"
 
 const char* const aszTokenTypes[] = {
-    "NotAToken",      "TokenStatement", "TokenFunction",   "TokenInteger",  "TokenFloat",
-    "TokenString",    "TokenSemiColon", "TokenBeginGroup", "TokenEndGroup", "TokenBeginIndex",
-    "TokenEndIndex",  "TokenEqual",     "TokenComma",      "TokenBackslash", "TokenLabel",
-    "TokenEol",       "TokenLogical",   "TokenOperator",   "TokenComparator", "TokenVar",
-    "TokenUndef",     "TokenSpace",     "TokenCommand",    "TokenBadString", "TokenBadNumber",
+    "NotAToken",     "TokenStatement", "TokenFunction",   "TokenInteger",    "TokenFloat",
+    "TokenString",   "TokenSemiColon", "TokenBeginGroup", "TokenEndGroup",   "TokenBeginIndex",
+    "TokenEndIndex", "TokenEqual",     "TokenComma",      "TokenBackslash",  "TokenLabel",
+    "TokenEol",      "TokenLogical",   "TokenOperator",   "TokenComparator", "TokenVar",
+    "TokenUndef",    "TokenSpace",     "TokenCommand",    "TokenBadString",  "TokenBadNumber",
 };
 
 const Comparator aComparators[] = {
-    {"=", CompEqual},   {"==", CompEqual},  {"<>", CompNotEqual},     {"!=", CompNotEqual},
-    {">", CompGreater}, {"<", CompLess},    {">=", CompGreaterEqual}, {"<=", CompLessEqual},
-    {nullptr, CompNone},
+    {"=", CompEqual}, {"==", CompEqual},        {"<>", CompNotEqual},  {"!=", CompNotEqual}, {">", CompGreater},
+    {"<", CompLess},  {">=", CompGreaterEqual}, {"<=", CompLessEqual}, {nullptr, CompNone},
 };
 
 namespace {

@@ -40,8 +40,10 @@ protected:
         SetClock(nullptr);
         kavro::Kavro->cDateStyle = cStyle;
         kavro::Kavro->iYearMode = iMode;
-        if (bHadTz) setenv("TZ", sOldTz.c_str(), 1);
-        else unsetenv("TZ");
+        if (bHadTz)
+            setenv("TZ", sOldTz.c_str(), 1);
+        else
+            unsetenv("TZ");
         tzset();
     }
     void Use(char style, int mode) {
@@ -188,15 +190,11 @@ TEST_F(DateTime, TimeOfADayOrMoreIsMidnight) {
     EXPECT_EQ(Time(100000).str(), "00:00:00");
 }
 
-TEST_F(DateTime, TimeNowFromTheClock) {
-    EXPECT_EQ(Time(0).str(), "22:13:20");
-}
+TEST_F(DateTime, TimeNowFromTheClock) { EXPECT_EQ(Time(0).str(), "22:13:20"); }
 
 // ---- Strtime -----------------------------------------------------------------------------
 
-TEST_F(DateTime, StrtimeOfOneSecondIsDayZero) {
-    EXPECT_EQ(Strtime("%d %H:%M:%S", 1).str(), "00 00:00:01");
-}
+TEST_F(DateTime, StrtimeOfOneSecondIsDayZero) { EXPECT_EQ(Strtime("%d %H:%M:%S", 1).str(), "00 00:00:01"); }
 
 TEST_F(DateTime, StrtimeWholeDay) {
     // a remainder of exactly one day stays in day 0 as hour 24

@@ -302,15 +302,15 @@ TEST_F(Evaluator, EmptyConditionLeavesAValueBehind) {
 }
 
 TEST_F(Evaluator, FunctionFirstInAConditionIsRefused) {
-    EXPECT_REPORT_EXIT(ctx.Eval("&LEN abc", true), 1,
-                       kvtest::Report("Expression not allowed in &IF, &ELSEIF, &UNTIL, &WHILE",
-                                      "../src/expression", 940));
+    EXPECT_REPORT_EXIT(
+        ctx.Eval("&LEN abc", true), 1,
+        kvtest::Report("Expression not allowed in &IF, &ELSEIF, &UNTIL, &WHILE", "../src/expression", 940));
 }
 
 TEST_F(Evaluator, GroupFirstInAConditionIsRefused) {
-    EXPECT_REPORT_EXIT(ctx.Eval("(1 = 1)", true), 1,
-                       kvtest::Report("Expression not allowed in &IF, &ELSEIF, &UNTIL, &WHILE",
-                                      "../src/expression", 948));
+    EXPECT_REPORT_EXIT(
+        ctx.Eval("(1 = 1)", true), 1,
+        kvtest::Report("Expression not allowed in &IF, &ELSEIF, &UNTIL, &WHILE", "../src/expression", 948));
 }
 
 // ---- Bad starts ----------------------------------------------------------------------------

@@ -37,8 +37,10 @@ protected:
         kavro::TermFlush();
         kavro::TermSetMode(kavro::TermMode::Raw);
         setlocale(LC_CTYPE, "C");
-        if (bHadTerm) setenv("TERM", sOldTerm.c_str(), 1);
-        else unsetenv("TERM");
+        if (bHadTerm)
+            setenv("TERM", sOldTerm.c_str(), 1);
+        else
+            unsetenv("TERM");
     }
 
     // Switches to ansi mode on an xterm-256color terminal with the given character-type locale.
@@ -115,9 +117,18 @@ TEST_F(KavroOutput, TextTurnsCarriageReturnIntoLineFeed) {
 
 TEST_F(KavroOutput, TextDropsScreenCodes) {
     kavro::TermSetMode(kavro::TermMode::Text);
-    EXPECT_EQ(Write("a\x0c" "b\x01" "c\x04" "d\x05" "e\x07" "f"), "abcdef");
+    EXPECT_EQ(Write("a\x0c"
+                    "b\x01"
+                    "c\x04"
+                    "d\x05"
+                    "e\x07"
+                    "f"),
+              "abcdef");
     EXPECT_EQ(Write("\xa0\xa9\xa9\xa1"), "");
-    EXPECT_EQ(Write("x\x0e" "y\x0f" "z\x12\x17\x18"), "xyz");
+    EXPECT_EQ(Write("x\x0e"
+                    "y\x0f"
+                    "z\x12\x17\x18"),
+              "xyz");
 }
 
 TEST_F(KavroOutput, TextKeepsUtf8Text) {
@@ -179,23 +190,37 @@ TEST_F(KavroOutput, AnsiBoldOnAndOff) {
 
 TEST_F(KavroOutput, AnsiEachAttribute) {
     UseAnsi("C.UTF-8");
-    EXPECT_EQ(Write("\x0b" "u\x16"), kSgrUnderline + "u" + kSgrNone);
-    EXPECT_EQ(Write("\x0e" "r\x0f"), kSgrReverse + "r" + kSgrNone);
-    EXPECT_EQ(Write("\x1d" "b\x1e"), kSgrBlink + "b" + kSgrNone);
-    EXPECT_EQ(Write("\x02" "f\x03"), kSgrDim + "f" + kSgrNone);
+    EXPECT_EQ(Write("\x0b"
+                    "u\x16"),
+              kSgrUnderline + "u" + kSgrNone);
+    EXPECT_EQ(Write("\x0e"
+                    "r\x0f"),
+              kSgrReverse + "r" + kSgrNone);
+    EXPECT_EQ(Write("\x1d"
+                    "b\x1e"),
+              kSgrBlink + "b" + kSgrNone);
+    EXPECT_EQ(Write("\x02"
+                    "f\x03"),
+              kSgrDim + "f" + kSgrNone);
     // standout is shown as reverse video by this terminal
     EXPECT_EQ(Write("\x82s\x83"), kSgrReverse + "s" + kSgrNone);
 }
 
 TEST_F(KavroOutput, AnsiAttributesCombine) {
     UseAnsi("C.UTF-8");
-    EXPECT_EQ(Write("\x04" "a\x0b" "b\x05" "c\x16" "d"),
+    EXPECT_EQ(Write("\x04"
+                    "a\x0b"
+                    "b\x05"
+                    "c\x16"
+                    "d"),
               kSgrBold + "a" + kSgrBoldUnderline + "b" + kSgrUnderline + "c" + kSgrNone + "d");
 }
 
 TEST_F(KavroOutput, AnsiNewLineCode) {
     UseAnsi("C.UTF-8");
-    EXPECT_EQ(Write("a\x80" "b"), "a\r\nb");
+    EXPECT_EQ(Write("a\x80"
+                    "b"),
+              "a\r\nb");
 }
 
 TEST_F(KavroOutput, AnsiBoxCodesAsUnicodeInUtf8Locale) {

@@ -95,9 +95,9 @@ TEST(KavroText, StrmatchFixedPartAndSpelledOutForms) {
 
 TEST(KavroText, StrmatchOffForms) {
     const Forms all[] = {
-        {"BOF*?", {"BOF", "BOFF"}},   {"FOF*?", {"FOF", "FOFF"}}, {"GOF*?", {"GOF", "GOFF"}},
-        {"HOF*?", {"HOF", "HOFF"}},   {"KOF*?", {"KOF", "KOFF"}}, {"MOF*?", {"MOF", "MOFF"}},
-        {"POF*?", {"POF", "POFF"}},   {"RVOF*?", {"RVOF", "RVOFF"}}, {"SOF*?", {"SOF", "SOFF"}},
+        {"BOF*?", {"BOF", "BOFF"}},    {"FOF*?", {"FOF", "FOFF"}},    {"GOF*?", {"GOF", "GOFF"}},
+        {"HOF*?", {"HOF", "HOFF"}},    {"KOF*?", {"KOF", "KOFF"}},    {"MOF*?", {"MOF", "MOFF"}},
+        {"POF*?", {"POF", "POFF"}},    {"RVOF*?", {"RVOF", "RVOFF"}}, {"SOF*?", {"SOF", "SOFF"}},
         {"ULOF*?", {"ULOF", "ULOFF"}},
     };
     for (const Forms& f : all) ExpectAll(f);

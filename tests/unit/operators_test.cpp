@@ -1,7 +1,7 @@
 // The operator routines: arithmetic in double precision, 16-bit bit operators and the remainder,
 // and comparisons that push 1 or 0.
-#include <csignal>
 #include <cmath>
+#include <csignal>
 
 #include "report_support.h"
 #include "test_support.h"

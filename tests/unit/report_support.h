@@ -42,10 +42,10 @@ inline std::string Report(const char* message, const char* unit, int detectedAt,
 
 // Runs a statement that must end the run with `status` (as the parent sees it, modulo 256) after
 // printing a report that matches `pattern`.
-#define EXPECT_REPORT_EXIT(statement, status, pattern)                                     \
-    EXPECT_EXIT(                                                                           \
-        {                                                                                  \
-            kvtest::TerminalToStderr();                                                    \
-            statement;                                                                     \
-        },                                                                                 \
+#define EXPECT_REPORT_EXIT(statement, status, pattern) \
+    EXPECT_EXIT(                                       \
+        {                                              \
+            kvtest::TerminalToStderr();                \
+            statement;                                 \
+        },                                             \
         ::testing::ExitedWithCode(status), pattern)

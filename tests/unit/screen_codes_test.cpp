@@ -19,22 +19,20 @@ struct Row {
 
 // The screen code table, one name for each row.
 const std::vector<Row> kCrtRows = {
-    {"BEL", 0x07},  {"BOF", 0x1e},  {"BON", 0x1d},  {"C", 0x0c},    {"CR", 0x0d},   {"DC", 0x14},
-    {"DL", 0x12},   {"D", 0x0a},    {"EOL", 0x17},  {"EOS", 0x18},  {"ESC", 0x1b},  {"EU", 0x1c},
-    {"FOF", 0x03},  {"FON", 0x02},  {"GOF", 0x85},  {"GON", 0x84},  {"HOF", 0x05},  {"HON", 0x04},
-    {"H", 0x01},    {"IC", 0x13},   {"IL", 0x11},   {"KOF", 0x15},  {"KON", 0x19},  {"L", 0x08},
-    {"MOF", 0x81},  {"MON", 0x80},  {"NL", 0x80},   {"POF", 0x05},  {"PON", 0x04},  {"RVOF", 0x0f},
-    {"RVON", 0x0e}, {"R", 0x06},    {"SOF", 0x83},  {"SON", 0x82},  {"TAB", 0x09},  {"ULOF", 0x16},
-    {"ULON", 0x0b}, {"U", 0x1a},
+    {"BEL", 0x07},  {"BOF", 0x1e},  {"BON", 0x1d},  {"C", 0x0c},   {"CR", 0x0d},  {"DC", 0x14},  {"DL", 0x12},
+    {"D", 0x0a},    {"EOL", 0x17},  {"EOS", 0x18},  {"ESC", 0x1b}, {"EU", 0x1c},  {"FOF", 0x03}, {"FON", 0x02},
+    {"GOF", 0x85},  {"GON", 0x84},  {"HOF", 0x05},  {"HON", 0x04}, {"H", 0x01},   {"IC", 0x13},  {"IL", 0x11},
+    {"KOF", 0x15},  {"KON", 0x19},  {"L", 0x08},    {"MOF", 0x81}, {"MON", 0x80}, {"NL", 0x80},  {"POF", 0x05},
+    {"PON", 0x04},  {"RVOF", 0x0f}, {"RVON", 0x0e}, {"R", 0x06},   {"SOF", 0x83}, {"SON", 0x82}, {"TAB", 0x09},
+    {"ULOF", 0x16}, {"ULON", 0x0b}, {"U", 0x1a},
 };
 
 // The line-drawing table, one name for each row but "DL", which the screen code table answers.
 const std::vector<Row> kLineRows = {
-    {"DDI", 0xb7},  {"DFWI", 0xb3}, {"DHOR", 0xb8}, {"DI", 0xa8},   {"DLI", 0xb4},  {"DLLC", 0xb2},
-    {"DLRC", 0xb1}, {"DRI", 0xb5},  {"DUI", 0xb6},  {"DULC", 0xaf}, {"DURC", 0xb0}, {"DVER.", 0xb9},
-    {"FWI", 0xa4},  {"HOR", 0xa9},  {"LI", 0xa5},   {"LLC", 0xa3},  {"LRC", 0xa2},  {"RI", 0xa6},
-    {"RLLC", 0xae}, {"RLRC", 0xad}, {"RULC", 0xab}, {"RURC", 0xac}, {"UI", 0xa7},   {"ULC", 0xa0},
-    {"URC", 0xa1},  {"VER", 0xaa},
+    {"DDI", 0xb7},  {"DFWI", 0xb3}, {"DHOR", 0xb8}, {"DI", 0xa8},   {"DLI", 0xb4},   {"DLLC", 0xb2}, {"DLRC", 0xb1},
+    {"DRI", 0xb5},  {"DUI", 0xb6},  {"DULC", 0xaf}, {"DURC", 0xb0}, {"DVER.", 0xb9}, {"FWI", 0xa4},  {"HOR", 0xa9},
+    {"LI", 0xa5},   {"LLC", 0xa3},  {"LRC", 0xa2},  {"RI", 0xa6},   {"RLLC", 0xae},  {"RLRC", 0xad}, {"RULC", 0xab},
+    {"RURC", 0xac}, {"UI", 0xa7},   {"ULC", 0xa0},  {"URC", 0xa1},  {"VER", 0xaa},
 };
 
 std::string Lower(const char* name) {
@@ -84,13 +82,13 @@ TEST(ScreenCodes, LowerCaseNames) {
 
 TEST(ScreenCodes, SpelledOutNames) {
     const std::vector<Row> spelled = {
-        {"BELL", 0x07},  {"CL", 0x0c},    {"CLS", 0x0c},    {"CLR", 0x0c},       {"CLEAR", 0x0c},
-        {"DN", 0x0a},    {"DOWN", 0x0a},  {"HM", 0x01},     {"HOME", 0x01},      {"LF", 0x08},
-        {"LFT", 0x08},   {"LEFT", 0x08},  {"RT", 0x06},     {"RGT", 0x06},       {"RIGHT", 0x06},
-        {"UP", 0x1a},    {"BOFF", 0x1e},  {"FOFF", 0x03},   {"GOFF", 0x85},      {"HOFF", 0x05},
-        {"KOFF", 0x15},  {"MOFF", 0x81},  {"POFF", 0x05},   {"RVOFF", 0x0f},     {"SOFF", 0x83},
-        {"ULOFF", 0x16}, {"HORIZ", 0xa9}, {"HORIZONTAL", 0xa9}, {"DHORIZ", 0xb8}, {"DHORIZONTAL", 0xb8},
-        {"VERT", 0xaa},  {"VERTICAL", 0xaa}, {"DVERT.", 0xb9}, {"DVERTICAL.", 0xb9},
+        {"BELL", 0x07},  {"CL", 0x0c},       {"CLS", 0x0c},        {"CLR", 0x0c},        {"CLEAR", 0x0c},
+        {"DN", 0x0a},    {"DOWN", 0x0a},     {"HM", 0x01},         {"HOME", 0x01},       {"LF", 0x08},
+        {"LFT", 0x08},   {"LEFT", 0x08},     {"RT", 0x06},         {"RGT", 0x06},        {"RIGHT", 0x06},
+        {"UP", 0x1a},    {"BOFF", 0x1e},     {"FOFF", 0x03},       {"GOFF", 0x85},       {"HOFF", 0x05},
+        {"KOFF", 0x15},  {"MOFF", 0x81},     {"POFF", 0x05},       {"RVOFF", 0x0f},      {"SOFF", 0x83},
+        {"ULOFF", 0x16}, {"HORIZ", 0xa9},    {"HORIZONTAL", 0xa9}, {"DHORIZ", 0xb8},     {"DHORIZONTAL", 0xb8},
+        {"VERT", 0xaa},  {"VERTICAL", 0xaa}, {"DVERT.", 0xb9},     {"DVERTICAL.", 0xb9},
     };
     for (const Row& r : spelled) EXPECT_EQ(CrtOf(r.pszName), Byte(r.iCode)) << r.pszName;
 }

@@ -8,8 +8,10 @@
 
 // Token kinds print by name in failure messages.
 static void PrintTo(TokenType t, std::ostream* os) {
-    if (t >= NotAToken && t <= TokenBadNumber) *os << aszTokenTypes[t];
-    else *os << "TokenType(" << static_cast<int>(t) << ")";
+    if (t >= NotAToken && t <= TokenBadNumber)
+        *os << aszTokenTypes[t];
+    else
+        *os << "TokenType(" << static_cast<int>(t) << ")";
 }
 
 namespace {
@@ -61,11 +63,11 @@ protected:
 
 TEST_F(Tokenizer, TypeNamesInOrder) {
     const char* expected[] = {
-        "NotAToken",       "TokenStatement", "TokenFunction",  "TokenInteger",    "TokenFloat",
-        "TokenString",     "TokenSemiColon", "TokenBeginGroup", "TokenEndGroup",  "TokenBeginIndex",
-        "TokenEndIndex",   "TokenEqual",     "TokenComma",     "TokenBackslash",  "TokenLabel",
-        "TokenEol",        "TokenLogical",   "TokenOperator",  "TokenComparator", "TokenVar",
-        "TokenUndef",      "TokenSpace",     "TokenCommand",   "TokenBadString",  "TokenBadNumber",
+        "NotAToken",     "TokenStatement", "TokenFunction",   "TokenInteger",    "TokenFloat",
+        "TokenString",   "TokenSemiColon", "TokenBeginGroup", "TokenEndGroup",   "TokenBeginIndex",
+        "TokenEndIndex", "TokenEqual",     "TokenComma",      "TokenBackslash",  "TokenLabel",
+        "TokenEol",      "TokenLogical",   "TokenOperator",   "TokenComparator", "TokenVar",
+        "TokenUndef",    "TokenSpace",     "TokenCommand",    "TokenBadString",  "TokenBadNumber",
     };
     for (int i = 0; i <= TokenBadNumber; ++i) EXPECT_STREQ(aszTokenTypes[i], expected[i]) << i;
     EXPECT_EQ(TokenBadNumber, 24);
@@ -76,11 +78,11 @@ TEST_F(Tokenizer, TypeNamesInOrder) {
 // ---- One token of each kind ----------------------------------------------------------------
 
 TEST_F(Tokenizer, StatementKeywords) {
-    const char* keywords[] = {"&BEGSTACK", "&BEGTYPE", "&BREAK",  "&CALL",  "&CRT",   "&CONTINUE", "&CONTROL",
-                              "&ELSEIF",   "&ELSE",    "&END",    "&ENDIF", "&ERROR", "&ESC",      "&FOR",
-                              "&GOTO",     "&IF",      "&IFEND",  "&LOOP",  "&MENU",  "&NEXT",     "&QUIT",
-                              "&READ",     "&RETURN",  "&SHIFT",  "&SKIP",  "&SLEEP", "&SPACE",    "&STACK",
-                              "&TYPE",     "&UNTIL",   "&WAIT",   "&WEND",  "&WHILE"};
+    const char* keywords[] = {"&BEGSTACK", "&BEGTYPE", "&BREAK", "&CALL",  "&CRT",   "&CONTINUE", "&CONTROL",
+                              "&ELSEIF",   "&ELSE",    "&END",   "&ENDIF", "&ERROR", "&ESC",      "&FOR",
+                              "&GOTO",     "&IF",      "&IFEND", "&LOOP",  "&MENU",  "&NEXT",     "&QUIT",
+                              "&READ",     "&RETURN",  "&SHIFT", "&SKIP",  "&SLEEP", "&SPACE",    "&STACK",
+                              "&TYPE",     "&UNTIL",   "&WAIT",  "&WEND",  "&WHILE"};
     for (const char* k : keywords) {
         EXPECT_EQ(First(k), TokenStatement) << k;
         EXPECT_EQ(Text(), k);
@@ -101,8 +103,7 @@ TEST_F(Tokenizer, NoAbbreviatedStatements) {
 }
 
 TEST_F(Tokenizer, FunctionNames) {
-    const char* names[] = {"&CAT", "&ENV", "&EXIST", "&FILESIZE", "&INDEX",
-                           "&LEN", "&LIT", "&SUB",   "&TYP",      "&SYSTEM"};
+    const char* names[] = {"&CAT", "&ENV", "&EXIST", "&FILESIZE", "&INDEX", "&LEN", "&LIT", "&SUB", "&TYP", "&SYSTEM"};
     for (const char* n : names) {
         EXPECT_EQ(First(n), TokenFunction) << n;
         EXPECT_EQ(Text(), n);
@@ -240,8 +241,7 @@ TEST_F(Tokenizer, BadStrings) {
 
 TEST_F(Tokenizer, KindsNeverProduced) {
     // Texts of every shape; none of them yields the kinds that only dispatch sets or nothing sets.
-    const char* lines[] = {"&IF (1 + 2) * 3 = 9, \"a\" [1] \\ x: ; y",
-                           "abc 1.5 .5 5. . 12ab &x &LEN <> != >= <= == =>",
+    const char* lines[] = {"&IF (1 + 2) * 3 = 9, \"a\" [1] \\ x: ; y", "abc 1.5 .5 5. . 12ab &x &LEN <> != >= <= == =>",
                            "% ^ | & + - / * ! # $ @ ~ ?"};
     for (const char* line : lines) {
         ctx.SetLine(line);
@@ -488,8 +488,8 @@ TEST_F(Tokenizer, NoTraceWithoutDebug) {
 
 TEST_F(Tokenizer, ComparatorTable) {
     const std::pair<const char*, CompType> rows[] = {
-        {"=", CompEqual}, {"==", CompEqual}, {"<>", CompNotEqual},     {"!=", CompNotEqual},
-        {">", CompGreater}, {"<", CompLess}, {">=", CompGreaterEqual}, {"<=", CompLessEqual},
+        {"=", CompEqual},   {"==", CompEqual}, {"<>", CompNotEqual},     {"!=", CompNotEqual},
+        {">", CompGreater}, {"<", CompLess},   {">=", CompGreaterEqual}, {"<=", CompLessEqual},
     };
     for (size_t i = 0; i < 8; ++i) {
         EXPECT_STREQ(aComparators[i].pszName, rows[i].first) << i;
