@@ -6,28 +6,11 @@
 #include "report_support.h"
 #include "test_support.h"
 
+using kvtest::Dbl;
+using kvtest::Int;
+using kvtest::Str;
+
 namespace {
-
-Const Int(int v) {
-    Const c;
-    c.eType = VarInteger;
-    c.iValue = Int16(v);
-    return c;
-}
-
-Const Dbl(double d) {
-    Const c;
-    c.eType = VarFloat;
-    c.dValue = d;
-    return c;
-}
-
-Const Str(const char* s) {
-    Const c;
-    c.eType = VarString;
-    c.sValue = s;
-    return c;
-}
 
 class Operators : public ::testing::Test {
 protected:

@@ -13,6 +13,28 @@
 
 namespace kvtest {
 
+// Values of each type, for tests that build operands by hand.
+inline Const Int(int v) {
+    Const c;
+    c.eType = VarInteger;
+    c.iValue = Int16(v);
+    return c;
+}
+
+inline Const Dbl(double d) {
+    Const c;
+    c.eType = VarFloat;
+    c.dValue = d;
+    return c;
+}
+
+inline Const Str(const char* s) {
+    Const c;
+    c.eType = VarString;
+    c.sValue = s;
+    return c;
+}
+
 // A context as start-up makes it, with an empty variable table holding &retcode, reading `line`.
 class Context {
 public:

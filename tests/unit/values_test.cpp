@@ -5,30 +5,13 @@
 #include "report_support.h"
 #include "test_support.h"
 
+using kvtest::Dbl;
+using kvtest::Int;
+using kvtest::Str;
+
 namespace {
 
 Const Null() { return Const{}; }
-
-Const Int(int v) {
-    Const c;
-    c.eType = VarInteger;
-    c.iValue = Int16(v);
-    return c;
-}
-
-Const Dbl(double d) {
-    Const c;
-    c.eType = VarFloat;
-    c.dValue = d;
-    return c;
-}
-
-Const Str(const char* s) {
-    Const c;
-    c.eType = VarString;
-    c.sValue = s;
-    return c;
-}
 
 // A double whose integer slot still holds an older value.
 Const DblWithStaleInt(double d, int stale) {
