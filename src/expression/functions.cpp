@@ -108,11 +108,15 @@ void ParseSub(Parser* p, Const* /*result*/) {
     int n = s.length();
     int start = IntegerArgument(p);
     int end = p->eTokenType == TokenEol ? 0 : IntegerArgument(p);
-    if (start == 0 || start > n || start < 0 || end < 0) {
+    if (start == 0 || start > n) {
         PushString(p, "");
     } else if (end != 0) {
+        // Positions before the text are left out: start -1 and end 3 give the first three.
         if (end > n) end = n;
         PushString(p, s.midstr(start - 1, end - start + 1));
+    } else if (start < 0) {
+        // Without an end, a negative start would point before the text: nothing.
+        PushString(p, "");
     } else {
         PushString(p, s.midstr(start, n));
     }

@@ -47,8 +47,8 @@ void ConditionalLoop(Parser* p, const char* closer, Truth (*truth)(Parser*, cons
                 SkipLine(p);
                 return;
             case Truth::EndAtOnce:
+                // Returns where the condition ended, like any statement that stops early.
                 PopBlock();
-                SkipLine(p);
                 return;
         }
         // The body. "&CONTINUE" and the end of the file go back to the condition without

@@ -32,11 +32,13 @@ constexpr const char* kHelpViewer = "/home/system/disks/s/kavro/bin/help";
     char* copy = strdup(argv0);
     snprintf(szCommand, sizeof szCommand, "%s %s", kHelpViewer, basename(copy));
     free(copy);
+    // Without the viewer, the usage text takes the place of the shell's complaint that the
+    // command was not found: standard output stays as empty as it would be.
     if (access(kHelpViewer, X_OK) == 0) {
         int ignored = system(szCommand);
         (void)ignored;
     } else {
-        fputs(kUsageText, stdout);
+        fputs(kUsageText, stderr);
     }
     exit(0);
 }

@@ -214,6 +214,6 @@ int Second(const char* hms) {
 
 CBString ExtractFirstWord(const char* text) {
     const char* e = text;
-    while (*e && *e != ' ') ++e;
+    while (*e && !isspace(static_cast<unsigned char>(*e))) ++e;
     return CBString(text, static_cast<size_t>(e - text));
 }

@@ -538,6 +538,7 @@ TEST_F(Tokenizer, Second) {
 TEST_F(Tokenizer, ExtractFirstWord) {
     EXPECT_EQ(ExtractFirstWord("copy a b"), "copy");
     EXPECT_EQ(ExtractFirstWord("word"), "word");
+    EXPECT_EQ(ExtractFirstWord("&ELSEIF\t0"), "&ELSEIF");
     EXPECT_EQ(ExtractFirstWord(""), "");
 }
 
