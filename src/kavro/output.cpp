@@ -354,7 +354,7 @@ int TermColumn() { return g_iColumn; }
 void TermCapture(std::string* sink) {
     TermFlush();
     g_pCapture = sink;
-    if (sink) g_bTty = false;
+    g_bTty = !sink && isatty(1) != 0;
 }
 
 }  // namespace kavro

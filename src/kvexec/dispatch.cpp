@@ -30,6 +30,8 @@ const Statement* GetStatement(const char* name) { return FindKeyword(aStatements
 
 namespace {
 
+int g_iNesting = 0;
+
 void TraceToken(Parser* p) {
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s\r", aszTokenTypes[p->eTokenType], p->sToken.data());
 }
@@ -82,10 +84,6 @@ void VariableLine(Parser* p) {
 
 bool IsWordStart(char c) { return kavro::t_isalpha(c) || c == '.' || c == '/' || c == '_'; }
 
-}  // namespace
-
-namespace {
-int g_iNesting = 0;
 }  // namespace
 
 NestingGuard::NestingGuard(Parser* p) {
