@@ -45,6 +45,10 @@ struct Function {
 extern const Function aFunctions[];
 const Function* GetFunction(const char* name);
 
+// Argument readers for the function handlers: one argument expression, converted.
+CBString TextArgument(Parser* p);
+int IntegerArgument(Parser* p);
+
 void ParseCat(Parser* p, Const* result);
 void ParseEnv(Parser* p, Const* result);
 void ParseExist(Parser* p, Const* result);
@@ -69,3 +73,5 @@ CBString Time(int seconds);
 // The clock the date routines read; tests put a fixed one in its place (null restores time()).
 void SetClock(time_t (*clock)());
 time_t Now();
+// The clock's time broken down in the local time zone.
+struct tm LocalNow();

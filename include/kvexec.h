@@ -77,7 +77,7 @@ void InitVariables();
 Variable* VarAt(uint32_t index);
 Variable* FindVar(const char* name);
 Variable* AddVar(Parser* p, const char* name);
-Variable* GetVar(Parser* p, CBString name);
+Variable* GetVar(Parser* p, const CBString& name);
 Variable* GetVar(Parser* p, const char* name);
 void SetIntegerVar(Parser* p, const char* name, int value);
 void SetDoubleVar(Parser* p, const char* name, double value);

@@ -30,14 +30,19 @@ void SetClock(time_t (*clock)()) { g_pfnClock = clock; }
 
 time_t Now() { return g_pfnClock ? g_pfnClock() : time(nullptr); }
 
+struct tm LocalNow() {
+    time_t now = Now();
+    struct tm t;
+    localtime_r(&now, &t);
+    return t;
+}
+
 bool IsLeapYear(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
 // The month lengths come from the previous year's row: in a leap year the count is a day short
 // from March on, and a day long in the year after.
 double Tod() {
-    time_t now = Now();
-    struct tm t;
-    localtime_r(&now, &t);
+    struct tm t = LocalNow();
     int year = t.tm_year + 1900;
     double total = 0.0;
     int leap = 1;
@@ -98,9 +103,7 @@ CBString Strtime(const char* format, long t) {
 CBString Date(int day) {
     int year, month, mday;
     if (day == 0) {
-        time_t now = Now();
-        struct tm t;
-        localtime_r(&now, &t);
+        struct tm t = LocalNow();
         year = t.tm_year + 1900;
         month = t.tm_mon + 1;
         mday = t.tm_mday;
@@ -146,9 +149,7 @@ CBString Time(int seconds) {
     if (seconds >= 86400) return "00:00:00";
     int h, m, s;
     if (seconds == 0) {
-        time_t now = Now();
-        struct tm t;
-        localtime_r(&now, &t);
+        struct tm t = LocalNow();
         h = t.tm_hour;
         m = t.tm_min;
         s = t.tm_sec;

@@ -104,7 +104,7 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             break;
         case TokenEndGroup: step = Step::Operator; return true;
         case TokenVar: {
-            Variable* v = GetVar(p, CBString(p->sToken));
+            Variable* v = GetVar(p, p->sToken);
             Push(p, &v->value);
             if (!st.bAppliedOnPassedOver) st.bMinusAllowed = true;
             Settle(p, st);

@@ -5,20 +5,9 @@
 #include "kavro.h"
 #include "kvexec.h"
 
-namespace {
-
-CBString NameArgument(Parser* p) {
-    GetNextToken(p);
-    Const arg;
-    Eval(p, &arg, false);
-    ToString(&arg);
-    return arg.sValue;
-}
-
-}  // namespace
-
 void ParseExist(Parser* p, Const* /*result*/) {
-    CBString name = NameArgument(p);
+    GetNextToken(p);
+    CBString name = TextArgument(p);
     int device = kavro::t_Device(name);
     if (device == 3 || device == 4 || device == 5) {
         PushInteger(p, 16);
@@ -52,7 +41,8 @@ void ParseExist(Parser* p, Const* /*result*/) {
 }
 
 void ParseFilesize(Parser* p, Const* /*result*/) {
-    CBString name = NameArgument(p);
+    GetNextToken(p);
+    CBString name = TextArgument(p);
     struct stat st;
     long long size = stat(name, &st) == 0 ? static_cast<long long>(st.st_size) : 0;
     PushInteger(p, static_cast<int>(size & 0xffff));

@@ -47,9 +47,6 @@ const Function* GetFunction(const char* name) {
     return f;
 }
 
-namespace {
-
-// One argument, converted to text.
 CBString TextArgument(Parser* p) {
     Const arg;
     Eval(p, &arg, false);
@@ -63,6 +60,8 @@ int IntegerArgument(Parser* p) {
     ToInteger(&arg);
     return arg.iValue;
 }
+
+namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 

@@ -9,13 +9,6 @@
 
 namespace {
 
-struct tm LocalNow() {
-    time_t now = Now();
-    struct tm t;
-    localtime_r(&now, &t);
-    return t;
-}
-
 void Account(Parser* p) { PushString(p, kavro::Kavro->sAccount); }
 
 void Cwd(Parser* p) {
@@ -30,9 +23,8 @@ void Day(Parser* p) { PushInteger(p, LocalNow().tm_wday); }
 // FTIME format seconds: the two arguments after the keyword.
 void Ftime(Parser* p) {
     GetNextToken(p);
-    Const format, seconds;
-    Eval(p, &format, false);
-    ToString(&format);
+    CBString format = TextArgument(p);
+    Const seconds;
     Eval(p, &seconds, false);
     long t = 0;
     switch (seconds.eType) {
@@ -41,7 +33,7 @@ void Ftime(Parser* p) {
         case VarInteger: t = seconds.iValue; break;
         default: t = 0; break;
     }
-    PushString(p, Strtime(format.sValue, t));
+    PushString(p, Strtime(format, t));
 }
 
 // "PORT" gives the process id as "PID" does.

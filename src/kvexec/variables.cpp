@@ -51,11 +51,16 @@ Variable* AddVar(Parser* /*p*/, const char* name) {
     return v;
 }
 
-Variable* GetVar(Parser* p, CBString name) {
+Variable* GetVar(Parser* p, const CBString& name) {
     // A name holding a reference after its first character would be reduced to the referenced
-    // value; the search starts before the name, so it never finds one.
-    int pos;
-    while ((pos = name.reversefindchr('&', -1)) >= 1) name = SubstVarValue(name, pos);
+    // value; the search starts before the name, so it never finds one, and the name is used as
+    // given without a copy.
+    if (name.reversefindchr('&', -1) >= 1) {
+        CBString reduced = name;
+        int pos;
+        while ((pos = reduced.reversefindchr('&', -1)) >= 1) reduced = SubstVarValue(reduced, pos);
+        return GetVar(p, reduced);
+    }
     if (Variable* v = FindVar(name)) return v;
     return AddVar(p, name);
 }
