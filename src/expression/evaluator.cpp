@@ -7,7 +7,7 @@
 
 #include "diagnostics.h"
 #include "expression.h"
-#include "kvexec.h"
+#include "variables.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ void IndexForm(Parser* p, Const* result) {
     ToString(result);
     if (p->eTokenType == TokenEndIndex) {
         char* copy = strdup(result->sValue);
-        if (!copy) MEMORY_ERROR(p, Src::Expression, At::FieldCopy);
+        if (!copy) MEMORY_ERROR(Src::Expression, At::FieldCopy);
         char* field = strtok(copy, ".:");
         for (int n = first.iValue; n > 1; --n) field = strtok(nullptr, ".:");
         PushString(p, field ? field : "");
@@ -57,7 +57,7 @@ void IndexForm(Parser* p, Const* result) {
     ToInteger(&second);
     if (first.iValue <= second.iValue)
         PushString(p, result->sValue.midstr(first.iValue - 1, second.iValue - first.iValue + 1));
-    if (p->eTokenType != TokenEndIndex) SYNTAX_ERROR(p, Src::Expression, At::RangeEnd);
+    if (p->eTokenType != TokenEndIndex) SYNTAX_ERROR(Src::Expression, At::RangeEnd);
 }
 
 // The operand step. Returns false when the expression is finished.
@@ -104,7 +104,7 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             break;
         case TokenEndGroup: step = Step::Operator; return true;
         case TokenVar: {
-            Variable* v = GetVar(p, p->sToken);
+            Variable* v = GetVar(p->sToken);
             Push(p, &v->value);
             if (!st.bAppliedOnPassedOver) st.bMinusAllowed = true;
             Settle(p, st);
@@ -172,7 +172,7 @@ void Eval(Parser* p, Const* result, bool condition) {
 
     switch (p->eTokenType) {
         case TokenFunction:
-            if (condition) NO_EXPRESSION(p, Src::Expression, At::FunctionInCondition);
+            if (condition) NO_EXPRESSION(Src::Expression, At::FunctionInCondition);
             GetFunction(p->sToken)->pHandler(p, result);
             GetNextToken(p);
             step = Step::Operator;
@@ -180,7 +180,7 @@ void Eval(Parser* p, Const* result, bool condition) {
         case TokenBeginGroup:
             // A leading group's value stays in the result and is not pushed, unlike a group met
             // later in the expression.
-            if (condition) NO_EXPRESSION(p, Src::Expression, At::GroupInCondition);
+            if (condition) NO_EXPRESSION(Src::Expression, At::GroupInCondition);
             GetNextToken(p);
             Eval(p, result, false);
             GetNextToken(p);
@@ -199,7 +199,7 @@ void Eval(Parser* p, Const* result, bool condition) {
                 st.bNegate = true;
                 break;
             }
-            SYNTAX_ERROR(p, Src::Expression, At::ExpressionStart);
+            SYNTAX_ERROR(Src::Expression, At::ExpressionStart);
     }
 
     for (;;) {
@@ -211,5 +211,5 @@ void Eval(Parser* p, Const* result, bool condition) {
 
 void Evaluate(Parser* p, Const* result, bool condition) {
     Eval(p, result, condition);
-    if (p->uiStack != 0) EXEC_ERROR(p, Src::Expression, At::ValuesLeft);
+    if (p->uiStack != 0) EXEC_ERROR(Src::Expression, At::ValuesLeft);
 }

@@ -3,7 +3,7 @@
 
 #include "expression.h"
 #include "kavro.h"
-#include "kvexec.h"
+#include "variables.h"
 
 void ParseExist(Parser* p, Const* /*result*/) {
     GetNextToken(p);

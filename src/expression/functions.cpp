@@ -1,50 +1,35 @@
 // The function table and the string functions. A handler steps past its own word, reads its
 // arguments with the evaluator and pushes exactly one result.
-#include <strings.h>
-
 #include <cstdlib>
 #include <cstring>
 
 #include "expression.h"
-#include "keyword.h"
-#include "kvexec.h"
+#include "variables.h"
 
-// In table order: alphabetical, except that &SYSTEM comes last. Id and argument bounds are
-// carried for reference; each handler asks for the arguments it takes.
-const Function aFunctions[] = {
-    {"&CAT", 1, ParseCat, 2, 2},           {"&ENV", 2, ParseEnv, 1, 1},     {"&EXIST", 3, ParseExist, 1, 1},
-    {"&FILESIZE", 4, ParseFilesize, 1, 1}, {"&INDEX", 5, ParseIndex, 0, 0}, {"&LEN", 6, ParseLen, 1, 1},
-    {"&LIT", 7, ParseLit, 1, 1},           {"&SUB", 9, ParseSub, 2, 3},     {"&TYP", 10, ParseTyp, 1, 1},
-    {"&SYSTEM", 11, ParseSystem, 1, 3},    {nullptr, 0, nullptr, 0, 0},
+// In the order of the function words.
+constexpr Function aFunctions[] = {
+    {FunctionWord::Cat, 1, ParseCat, 2, 2},     {FunctionWord::Env, 2, ParseEnv, 1, 1},
+    {FunctionWord::Exist, 3, ParseExist, 1, 1}, {FunctionWord::Filesize, 4, ParseFilesize, 1, 1},
+    {FunctionWord::Index, 5, ParseIndex, 0, 0}, {FunctionWord::Len, 6, ParseLen, 1, 1},
+    {FunctionWord::Lit, 7, ParseLit, 1, 1},     {FunctionWord::Sub, 9, ParseSub, 2, 3},
+    {FunctionWord::Typ, 10, ParseTyp, 1, 1},    {FunctionWord::System, 11, ParseSystem, 1, 3},
 };
 
 namespace {
 
-const Function* FindFunction(const char* name) { return FindKeyword(aFunctions, name); }
-
-// Whether any function name carries a "$": only then can the second look-up find anything.
-bool TableHasDollarNames() {
-    for (const Function* f = aFunctions; f->pszName; ++f)
-        if (strchr(f->pszName, '$')) return true;
-    return false;
+constexpr bool RowsInWordOrder() {
+    for (int i = 0; i < static_cast<int>(FunctionWord::Count); ++i)
+        if (static_cast<int>(aFunctions[i].eWord) != i) return false;
+    return sizeof aFunctions / sizeof *aFunctions == static_cast<size_t>(FunctionWord::Count);
 }
+static_assert(RowsInWordOrder(), "one function row per function word, in order");
 
 }  // namespace
 
+// A name with "$" appended is never tried: no function word carries one.
 const Function* GetFunction(const char* name) {
-    if (const Function* f = FindFunction(name)) return f;
-    static const bool bDollarNames = TableHasDollarNames();
-    if (!bDollarNames || strchr(name, '$')) return nullptr;
-    size_t n = strlen(name);
-    char small[64];
-    char* buffer = n + 2 <= sizeof small ? small : static_cast<char*>(malloc(n + 2));
-    if (!buffer) return nullptr;
-    memcpy(buffer, name, n);
-    buffer[n] = '$';
-    buffer[n + 1] = '\0';
-    const Function* f = FindFunction(buffer);
-    if (buffer != small) free(buffer);
-    return f;
+    int row = kFunctionWords.Find(name);
+    return row < 0 ? nullptr : &aFunctions[row];
 }
 
 CBString TextArgument(Parser* p) {

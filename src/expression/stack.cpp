@@ -8,7 +8,7 @@ StackEntry* AllocOperandStack() { return new StackEntry[kStackSize]; }
 namespace {
 
 StackEntry* Next(Parser* p, int line) {
-    if (p->uiStack > kStackSize - 1) STACK_OVERFLOW_ERROR(p, Src::Expression, line);
+    if (p->uiStack > kStackSize - 1) STACK_OVERFLOW_ERROR(Src::Expression, line);
     return &p->pStack[p->uiStack++];
 }
 
@@ -52,7 +52,7 @@ void Push(Parser* p, Const* value) {
 }
 
 void Pop(Parser* p, Const* out) {
-    if (p->uiStack == 0) STACK_UNDERFLOW_ERROR(p, Src::Expression, At::Pop);
+    if (p->uiStack == 0) STACK_UNDERFLOW_ERROR(Src::Expression, At::Pop);
     const Const& v = p->pStack[--p->uiStack].value;
     out->eType = v.eType;
     out->iValue = v.iValue;

@@ -5,7 +5,8 @@
 
 #include "expression.h"
 #include "kavro.h"
-#include "kvexec.h"
+#include "keywords.h"
+#include "variables.h"
 
 namespace {
 
@@ -77,17 +78,13 @@ void Weekday(Parser* p) {
     PushString(p, weekdays[slot * 7 + LocalNow().tm_wday]);
 }
 
-struct SystemKeyword {
-    const char* pszName;
-    void (*pHandler)(Parser*);
+// In the order of the &SYSTEM words.
+void (*const apfnSystemKeywords[])(Parser*) = {
+    Account, Cwd,   DateKeyword, Day,        Ftime, Pid, Pid /* PORT */, Priv,
+    Serial,  Tasks, TimeKeyword, TodKeyword, Today, Uid, Users,          Weekday,
 };
-
-const SystemKeyword aSystemKeywords[] = {
-    {"ACCOUNT", Account}, {"CWD", Cwd},     {"DATE", DateKeyword}, {"DAY", Day},
-    {"FTIME", Ftime},     {"PID", Pid},     {"PORT", Pid},         {"PRIV", Priv},
-    {"SERIAL", Serial},   {"TASKS", Tasks}, {"TIME", TimeKeyword}, {"TOD", TodKeyword},
-    {"TODAY", Today},     {"UID", Uid},     {"USERS", Users},      {"WEEKDAY", Weekday},
-};
+static_assert(sizeof apfnSystemKeywords / sizeof *apfnSystemKeywords == static_cast<size_t>(SystemWord::Count),
+              "one handler per &SYSTEM word");
 
 }  // namespace
 
@@ -96,10 +93,6 @@ void ParseSystem(Parser* p, Const* /*result*/) {
     GetNextToken(p);
     p->sToken = Expand(p->sToken);
     p->sToken.toupper();
-    for (const SystemKeyword& k : aSystemKeywords) {
-        if (strcmp(k.pszName, p->sToken) == 0) {
-            k.pHandler(p);
-            return;
-        }
-    }
+    int word = FindSystemWord(p->sToken);
+    if (word >= 0) apfnSystemKeywords[word](p);
 }

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "kvexec.h"
+#include "startup.h"
 
 namespace {
 

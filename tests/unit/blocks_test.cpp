@@ -11,7 +11,6 @@ protected:
 
 TEST_F(Blocks, EmptyStackGettersGiveZero) {
     EXPECT_EQ(GetBlockType(), BlockNone);
-    EXPECT_EQ(GetBlockVarType(), VarUndef);
     EXPECT_EQ(GetBlockLinePos(), 0u);
     EXPECT_EQ(GetBlockCharPos(), 0u);
 }
@@ -31,9 +30,7 @@ TEST_F(Blocks, PushFillsTheEntry) {
     EXPECT_EQ(b->eVarType, VarFloat);
     EXPECT_EQ(b->uiLinePos, 12u);
     EXPECT_EQ(b->uiCharPos, 345u);
-    EXPECT_EQ(GetBlock(), b);
     EXPECT_EQ(GetBlockType(), BlockFor);
-    EXPECT_EQ(GetBlockVarType(), VarFloat);
     EXPECT_EQ(GetBlockLinePos(), 12u);
     EXPECT_EQ(GetBlockCharPos(), 345u);
 }
@@ -44,7 +41,6 @@ TEST_F(Blocks, GettersReadTheTop) {
     EXPECT_EQ(GetBlockType(), BlockWhile);
     EXPECT_EQ(GetBlockLinePos(), 5u);
     EXPECT_EQ(GetBlockCharPos(), 200u);
-    EXPECT_EQ(GetBlock()->eType, BlockWhile);
     PopBlock();
     EXPECT_EQ(GetBlockType(), BlockCall);
     EXPECT_EQ(GetBlockLinePos(), 1u);
@@ -78,47 +74,6 @@ TEST_F(Blocks, LargeOffsetsKeepAllThirtyTwoBits) {
     PushBlock(BlockFor, VarInteger, 4000000000u, 0xfffffffeu);
     EXPECT_EQ(GetBlockLinePos(), 4000000000u);
     EXPECT_EQ(GetBlockCharPos(), 0xfffffffeu);
-}
-
-TEST_F(Blocks, IsLoop) {
-    EXPECT_FALSE(IsLoop(BlockNone));
-    EXPECT_FALSE(IsLoop(BlockCall));
-    EXPECT_FALSE(IsLoop(BlockIf));
-    EXPECT_FALSE(IsLoop(BlockElseIf));
-    EXPECT_FALSE(IsLoop(BlockElse));
-    EXPECT_TRUE(IsLoop(BlockFor));
-    EXPECT_TRUE(IsLoop(BlockUntil));
-    EXPECT_TRUE(IsLoop(BlockWhile));
-}
-
-TEST_F(Blocks, UnterminatedBlocksOnEmptyStack) {
-    kvtest::Context ctx;
-    EXPECT_EQ(UnterminatedBlocks(&ctx.p), 1);
-    EXPECT_EQ(ctx.Output(), "");
-}
-
-TEST_F(Blocks, UnterminatedBlocksWithOpenBlocksReportsNothing) {
-    kvtest::Context ctx;
-    PushBlock(BlockIf, VarUndef, 2, 0);
-    EXPECT_EQ(UnterminatedBlocks(&ctx.p), 0);
-    PushBlock(BlockWhile, VarUndef, 4, 17);
-    PushBlock(BlockCall, VarUndef, 9, 80);
-    EXPECT_EQ(UnterminatedBlocks(&ctx.p), 0);
-    EXPECT_EQ(ctx.Output(), "");
-    EXPECT_EQ(GetBlockType(), BlockCall);
-}
-
-TEST_F(Blocks, Names) {
-    EXPECT_STREQ(BlockName(BlockCall), "&CALL");
-    EXPECT_STREQ(BlockName(BlockIf), "&IF");
-    EXPECT_STREQ(BlockName(BlockElseIf), "&ELSEIF");
-    EXPECT_STREQ(BlockName(BlockElse), "&ELSE");
-    EXPECT_STREQ(BlockName(BlockFor), "&FOR");
-    EXPECT_STREQ(BlockName(BlockUntil), "&UNTIL");
-    EXPECT_STREQ(BlockName(BlockWhile), "&WHILE");
-    EXPECT_EQ(BlockName(BlockNone), nullptr);
-    EXPECT_EQ(BlockName(static_cast<BlockType>(8)), nullptr);
-    EXPECT_EQ(BlockName(static_cast<BlockType>(-1)), nullptr);
 }
 
 TEST_F(Blocks, ResetEmptiesTheStack) {

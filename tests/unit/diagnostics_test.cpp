@@ -16,15 +16,15 @@ protected:
 };
 
 TEST_F(Diagnostics, SyntaxErrorEndsWith255) {
-    ctx.p.iLine = 12;
-    EXPECT_REPORT_EXIT(SYNTAX_ERROR(&ctx.p, Src::Kvexec, At::LineStart), 255,
+    ctx.script.iLine = 12;
+    EXPECT_REPORT_EXIT(SYNTAX_ERROR(Src::Kvexec, At::LineStart), 255,
                        kvtest::Report("Syntax error", "../src/kvexec", 1843, 12));
 }
 
 TEST_F(Diagnostics, StackErrorsEndWith256SeenAsZero) {
-    EXPECT_REPORT_EXIT(STACK_OVERFLOW_ERROR(&ctx.p, Src::Expression, At::PushString), 0,
+    EXPECT_REPORT_EXIT(STACK_OVERFLOW_ERROR(Src::Expression, At::PushString), 0,
                        kvtest::Report("CStack overflow", "../src/expression", 133));
-    EXPECT_REPORT_EXIT(STACK_UNDERFLOW_ERROR(&ctx.p, Src::Expression, At::Pop), 0,
+    EXPECT_REPORT_EXIT(STACK_UNDERFLOW_ERROR(Src::Expression, At::Pop), 0,
                        kvtest::Report("CStack underflow", "../src/expression", 173));
 }
 
@@ -32,56 +32,30 @@ TEST_F(Diagnostics, MemoryErrorPrintsTheSystemMessage) {
     EXPECT_REPORT_EXIT(
         {
             errno = ENOMEM;
-            MEMORY_ERROR(&ctx.p, Src::Kvexec, At::AllocBuf);
+            MEMORY_ERROR(Src::Kvexec, At::AllocBuf);
         },
         12, kvtest::Report("Cannot allocate memory", "../src/kvexec", 183));
 }
 
 TEST_F(Diagnostics, InternalErrorAndNoExpressionEndWith257SeenAsOne) {
-    EXPECT_REPORT_EXIT(EXEC_ERROR(&ctx.p, Src::Expression, At::ValuesLeft), 1,
+    EXPECT_REPORT_EXIT(EXEC_ERROR(Src::Expression, At::ValuesLeft), 1,
                        kvtest::Report("Internal error", "../src/expression", 1088));
     EXPECT_REPORT_EXIT(
-        NO_EXPRESSION(&ctx.p, Src::Expression, At::GroupInCondition), 1,
+        NO_EXPRESSION(Src::Expression, At::GroupInCondition), 1,
         kvtest::Report("Expression not allowed in &IF, &ELSEIF, &UNTIL, &WHILE", "../src/expression", 948));
 }
 
-TEST_F(Diagnostics, MissingEndNamesTheBlockAndItsLine) {
-    ctx.p.iLine = 40;
-    CBlock block{BlockUntil, VarUndef, 7, 0};
-    // The message itself ends in a carriage return, printed inside the report.
-    EXPECT_REPORT_EXIT(MISSING_END(&ctx.p, Src::Blocks, At::Unterminated, &block), 2,
-                       kvtest::Report("Unterminated &UNTIL in 7\r", "../src/blocks", 72, 40));
-}
-
-TEST_F(Diagnostics, MissingEndOfAnUnknownKindIsAnInternalError) {
-    CBlock block{static_cast<BlockType>(9), VarUndef, 7, 0};
-    EXPECT_REPORT_EXIT(MISSING_END(&ctx.p, Src::Blocks, At::Unterminated, &block), 1,
-                       kvtest::Report("Internal error", "../src/kvexec", 152));
-}
-
 TEST_F(Diagnostics, NoPendingAndNoLabel) {
-    EXPECT_REPORT_EXIT(NO_PENDING(&ctx.p, Src::Kvexec, At::WendPending, "&WHILE"), 3,
+    EXPECT_REPORT_EXIT(NO_PENDING(Src::Kvexec, At::WendPending, "&WHILE"), 3,
                        kvtest::Report("No pending &WHILE", "../src/kvexec", 1382));
-    EXPECT_REPORT_EXIT(NO_LABEL(&ctx.p, Src::Kvexec, At::GotoLabel, "done:"), 4,
+    EXPECT_REPORT_EXIT(NO_LABEL(Src::Kvexec, At::GotoLabel, "done:"), 4,
                        kvtest::Report("Line label done: not found", "../src/kvexec", 969));
 }
 
 TEST_F(Diagnostics, StringIndexReportEndsWith134) {
-    ctx.p.iLine = 3;
-    EXPECT_REPORT_EXIT(STRING_INDEX_ERROR(&ctx.p, "CBString::character index out of bounds"), 134,
+    ctx.script.iLine = 3;
+    EXPECT_REPORT_EXIT(STRING_INDEX_ERROR("CBString::character index out of bounds"), 134,
                        kvtest::Literal("\rCBString::character index out of bounds, in unit.kvx, line 3.\r"));
-}
-
-TEST_F(Diagnostics, ErrorPrintsAndReturns) {
-    ctx.p.iLine = 5;
-    ERROR(&ctx.p, Src::Kvexec, 77, "something");
-    EXPECT_EQ(ctx.Output(), "\rsomething, in unit.kvx, line 5.\rdetected in ../src/kvexec, line 77\r");
-}
-
-TEST_F(Diagnostics, AllocBufGivesAnEmptyBuffer) {
-    char* b = _Alloc_Buf(&ctx.p, 16);
-    EXPECT_EQ(b[0], '\0');
-    free(b);
 }
 
 TEST_F(Diagnostics, ErrorStatementKeepsTheRestOfTheLineAsWritten) {

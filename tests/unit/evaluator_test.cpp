@@ -55,14 +55,14 @@ TEST_F(Evaluator, StringLiterals) {
 }
 
 TEST_F(Evaluator, StringLiteralsAreExpanded) {
-    SetStringVar(&ctx.p, "&B", "xy");
+    SetStringVar("&B", "xy");
     EXPECT_EQ(AsString("\"a&B\""), "axy");
     EXPECT_EQ(ctx.p.sToken, "");  // the end of line is current
     EXPECT_EQ(AsString("abc&B"), "abcxy");
 }
 
 TEST_F(Evaluator, ExpandedLiteralBecomesTheTokenText) {
-    SetStringVar(&ctx.p, "&B", "xy");
+    SetStringVar("&B", "xy");
     ctx.SetLine("\"a&B\" x");
     GetNextToken(&ctx.p);
     Const c;
@@ -83,7 +83,7 @@ TEST_F(Evaluator, NegativeLiterals) {
 TEST_F(Evaluator, MinusBeforeANegativeOperand) { EXPECT_EQ(AsDouble("3 - -2"), 5.0); }
 
 TEST_F(Evaluator, MinusBeforeAVariableWaitsForTheNextNumber) {
-    SetIntegerVar(&ctx.p, "&A", 10);
+    SetIntegerVar("&A", 10);
     // - &A + 1 computes &A + (-1).
     EXPECT_EQ(AsDouble("- &A + 1"), 9.0);
     EXPECT_EQ(AsDouble("- &A + 1 + 2"), 11.0);
@@ -111,16 +111,16 @@ TEST_F(Evaluator, ArithmeticGivesDoubles) {
 }
 
 TEST_F(Evaluator, VariablesAsOperands) {
-    SetStringVar(&ctx.p, "&N", "4");
-    SetDoubleVar(&ctx.p, "&D", 0.5);
+    SetStringVar("&N", "4");
+    SetDoubleVar("&D", 0.5);
     EXPECT_EQ(AsDouble("&N + 1"), 5.0);
     EXPECT_EQ(AsDouble("&n * &d"), 2.0);
 }
 
 TEST_F(Evaluator, VariableAloneKeepsItsType) {
-    SetStringVar(&ctx.p, "&S", "text");
+    SetStringVar("&S", "text");
     EXPECT_EQ(AsString("&S"), "text");
-    SetIntegerVar(&ctx.p, "&I", -3);
+    SetIntegerVar("&I", -3);
     EXPECT_EQ(AsInteger("&i"), -3);
 }
 
@@ -155,10 +155,10 @@ TEST_F(Evaluator, ComparisonsOfStrings) {
 }
 
 TEST_F(Evaluator, ComparisonAppliedAsSoonAsItsOperandIsThere) {
-    SetIntegerVar(&ctx.p, "&A", 1);
+    SetIntegerVar("&A", 1);
     // (&A = 1) + 2
     EXPECT_EQ(AsDouble("&A = 1 + 2"), 3.0);
-    SetIntegerVar(&ctx.p, "&A", 3);
+    SetIntegerVar("&A", 3);
     EXPECT_EQ(AsDouble("&A = 1 + 2"), 2.0);
     // (1 + 2) = 3
     EXPECT_EQ(AsInteger("1 + 2 = 3"), 1);
@@ -181,8 +181,8 @@ TEST_F(Evaluator, LogicalAfterArithmetic) {
 }
 
 TEST_F(Evaluator, ComparisonsJoinedByAnd) {
-    SetIntegerVar(&ctx.p, "&a", 1);
-    SetIntegerVar(&ctx.p, "&b", 2);
+    SetIntegerVar("&a", 1);
+    SetIntegerVar("&b", 2);
     EXPECT_EQ(AsInteger("&a = 1 & &b = 2"), 1);
     EXPECT_EQ(AsInteger("&a = 1 & &b = 3"), 0);
     EXPECT_EQ(AsInteger("&a = 2 | &b = 2"), 1);
@@ -258,7 +258,7 @@ TEST_F(Evaluator, EmptyExpressionIsNull) {
 }
 
 TEST_F(Evaluator, MissingRightOperandOutsideAConditionLeavesTheLeftValue) {
-    SetIntegerVar(&ctx.p, "&A", 5);
+    SetIntegerVar("&A", 5);
     Const c = ctx.Eval("&A =");
     EXPECT_EQ(c.eType, VarInteger);
     EXPECT_EQ(c.iValue, 5);
@@ -275,15 +275,15 @@ TEST_F(Evaluator, Condition) {
 TEST_F(Evaluator, ConditionComparesWithNullWhenTheRightOperandIsMissing) {
     // &A does not exist: null against null.
     EXPECT_EQ(AsInteger("&A =", true), 1);
-    SetIntegerVar(&ctx.p, "&A", 5);
+    SetIntegerVar("&A", 5);
     EXPECT_EQ(AsInteger("&A =", true), 0);
-    SetIntegerVar(&ctx.p, "&A", 0);
+    SetIntegerVar("&A", 0);
     EXPECT_EQ(AsInteger("&A =", true), 1);
-    SetStringVar(&ctx.p, "&A", "");
+    SetStringVar("&A", "");
     EXPECT_EQ(AsInteger("&A =", true), 1);
-    SetStringVar(&ctx.p, "&A", "x");
+    SetStringVar("&A", "x");
     EXPECT_EQ(AsInteger("&A =", true), 0);
-    SetIntegerVar(&ctx.p, "&A", -2);
+    SetIntegerVar("&A", -2);
     EXPECT_EQ(AsInteger("&A >", true), 1);
 }
 
@@ -328,7 +328,7 @@ TEST_F(Evaluator, OtherBadStartsAreSyntaxErrors) {
 }
 
 TEST_F(Evaluator, SyntaxErrorNamesTheScriptLine) {
-    ctx.p.iLine = 7;
+    ctx.script.iLine = 7;
     EXPECT_REPORT_EXIT(ctx.Eval("* 2"), 255, kvtest::Report("Syntax error", "../src/expression", 963, 7));
 }
 
@@ -343,14 +343,14 @@ TEST_F(Evaluator, FieldForm) {
 }
 
 TEST_F(Evaluator, FieldFormOnVariables) {
-    SetStringVar(&ctx.p, "&D", "2024.01.15");
+    SetStringVar("&D", "2024.01.15");
     EXPECT_EQ(AsString("&D[3]"), "15");
     EXPECT_EQ(AsString("&D[1 + 1]"), "01");
-    SetStringVar(&ctx.p, "&V", "a-b.c");
+    SetStringVar("&V", "a-b.c");
     EXPECT_EQ(AsString("&V[1]"), "a-b");
     EXPECT_EQ(AsString("&V[2]"), "c");
     // Empty fields are skipped.
-    SetStringVar(&ctx.p, "&W", "a..b::c");
+    SetStringVar("&W", "a..b::c");
     EXPECT_EQ(AsString("&W[2]"), "b");
     EXPECT_EQ(AsString("&W[3]"), "c");
 }
@@ -368,7 +368,7 @@ TEST_F(Evaluator, FieldBeyondTheLastIsAString) {
 }
 
 TEST_F(Evaluator, FieldFormThenAnOperator) {
-    SetStringVar(&ctx.p, "&D", "2024.01.15");
+    SetStringVar("&D", "2024.01.15");
     EXPECT_EQ(AsDouble("&D[3] + 1"), 16.0);
 }
 

@@ -16,9 +16,9 @@ protected:
 
     // Positional arguments as start-up makes them: &0 the script, then the arguments.
     void Arguments(std::initializer_list<const char*> args) {
-        SetStringVar(&ctx.p, "&0", "unit.kvx");
+        SetStringVar("&0", "unit.kvx");
         int i = 1;
-        for (const char* a : args) SetStringVar(&ctx.p, ("&" + std::to_string(i++)).c_str(), a);
+        for (const char* a : args) SetStringVar(("&" + std::to_string(i++)).c_str(), a);
         iArgs = i;
     }
 
@@ -29,44 +29,44 @@ protected:
 // ---- GetVarValue ---------------------------------------------------------------------------
 
 TEST_F(Substitution, ValueOfEachType) {
-    SetStringVar(&ctx.p, "&x", "abc");
+    SetStringVar("&x", "abc");
     EXPECT_EQ(Value("&x"), "abc");
-    SetIntegerVar(&ctx.p, "&x", 5);
+    SetIntegerVar("&x", 5);
     EXPECT_EQ(Value("&x"), "5");
-    SetIntegerVar(&ctx.p, "&x", -32768);
+    SetIntegerVar("&x", -32768);
     EXPECT_EQ(Value("&x"), "-32768");
-    SetDoubleVar(&ctx.p, "&x", 0.1);
+    SetDoubleVar("&x", 0.1);
     EXPECT_EQ(Value("&x"), "0.1");
-    SetDoubleVar(&ctx.p, "&x", 1e20);
+    SetDoubleVar("&x", 1e20);
     EXPECT_EQ(Value("&x"), "1e+20");
 }
 
 TEST_F(Substitution, DoublesShowFourteenSignificantDigits) {
-    SetDoubleVar(&ctx.p, "&d", 1234567.0);
+    SetDoubleVar("&d", 1234567.0);
     EXPECT_EQ(Value("&d"), "1234567");
-    SetDoubleVar(&ctx.p, "&d", 2.0 / 3.0);
+    SetDoubleVar("&d", 2.0 / 3.0);
     EXPECT_EQ(Value("&d"), "0.66666666666667");
-    SetDoubleVar(&ctx.p, "&d", -0.5);
+    SetDoubleVar("&d", -0.5);
     EXPECT_EQ(Value("&d"), "-0.5");
-    SetDoubleVar(&ctx.p, "&d", 3.0);
+    SetDoubleVar("&d", 3.0);
     EXPECT_EQ(Value("&d"), "3");
 }
 
 TEST_F(Substitution, NamesIgnoreCase) {
-    SetStringVar(&ctx.p, "&Name", "v");
+    SetStringVar("&Name", "v");
     EXPECT_EQ(Value("&NAME"), "v");
     EXPECT_EQ(Value("&name"), "v");
 }
 
 TEST_F(Substitution, TextBeforeTheReferenceIsKept) {
-    SetStringVar(&ctx.p, "&x", "abc");
+    SetStringVar("&x", "abc");
     EXPECT_EQ(Value("pre&x"), "preabc");
     EXPECT_EQ(Value("no reference"), "no reference");
     EXPECT_EQ(Value(""), "");
 }
 
 TEST_F(Substitution, TheReferenceRunsToTheEndOfTheText) {
-    SetStringVar(&ctx.p, "&x", "abc");
+    SetStringVar("&x", "abc");
     // The name looked up is "&x.txt", which does not exist.
     EXPECT_EQ(Value("&x.txt"), "");
     EXPECT_EQ(Value("&x1"), "");
@@ -81,62 +81,62 @@ TEST_F(Substitution, UndefinedVariableIsDropped) {
 }
 
 TEST_F(Substitution, IndirectReference) {
-    SetStringVar(&ctx.p, "&x", "y");
-    SetStringVar(&ctx.p, "&y", "z");
+    SetStringVar("&x", "y");
+    SetStringVar("&y", "z");
     EXPECT_EQ(Value("&&x"), "z");
 }
 
 TEST_F(Substitution, IndirectReferenceThroughANumber) {
-    SetIntegerVar(&ctx.p, "&n", 2);
-    SetStringVar(&ctx.p, "&2", "second");
+    SetIntegerVar("&n", 2);
+    SetStringVar("&2", "second");
     EXPECT_EQ(Value("&&n"), "second");
 }
 
 TEST_F(Substitution, TwoLevelsOfIndirection) {
-    SetStringVar(&ctx.p, "&a", "b");
-    SetStringVar(&ctx.p, "&b", "c");
-    SetStringVar(&ctx.p, "&c", "end");
+    SetStringVar("&a", "b");
+    SetStringVar("&b", "c");
+    SetStringVar("&c", "end");
     EXPECT_EQ(Value("&&&a"), "end");
 }
 
 TEST_F(Substitution, NullVariableEmptiesTheWholeText) {
-    AddVar(&ctx.p, "&n");
+    AddVar("&n");
     EXPECT_EQ(Value("&n"), "");
     EXPECT_EQ(Value("abc&n"), "");
 }
 
 TEST_F(Substitution, IndirectReferenceToAnUndefinedName) {
-    SetStringVar(&ctx.p, "&x", "value");
+    SetStringVar("&x", "value");
     // "&&x" becomes "&value", which names no variable.
     EXPECT_EQ(Value("&&x"), "");
     EXPECT_EQ(Value("ab&&x"), "ab");
 }
 
 TEST_F(Substitution, ValueContainingAnAmpersandIsNotScannedAgain) {
-    SetStringVar(&ctx.p, "&v", "a&b");
-    SetStringVar(&ctx.p, "&b", "no");
+    SetStringVar("&v", "a&b");
+    SetStringVar("&b", "no");
     EXPECT_EQ(Value("&v"), "a&b");
     EXPECT_EQ(Value("x&v"), "xa&b");
 }
 
 TEST_F(Substitution, SubstVarValueReplacesFromThePosition) {
-    SetIntegerVar(&ctx.p, "&x", 5);
+    SetIntegerVar("&x", 5);
     EXPECT_EQ(SubstVarValue("ab&x", 2), "ab5");
     EXPECT_EQ(SubstVarValue("&x", 0), "5");
     EXPECT_EQ(SubstVarValue("ab&zz", 2), "ab");
-    SetStringVar(&ctx.p, "&s", "S");
+    SetStringVar("&s", "S");
     EXPECT_EQ(SubstVarValue("&x&s", 2), "&xS");
-    SetDoubleVar(&ctx.p, "&f", 0.1);
+    SetDoubleVar("&f", 0.1);
     EXPECT_EQ(SubstVarValue("f=&f", 2), "f=0.1");
 }
 
 TEST_F(Substitution, SubstVarValueOfANullVariable) {
-    AddVar(&ctx.p, "&n");
+    AddVar("&n");
     EXPECT_EQ(SubstVarValue("keep&n", 4), "");
 }
 
 TEST_F(Substitution, SubstVarValueOfAnOtherTypeLeavesTheText) {
-    Variable* v = AddVar(&ctx.p, "&odd");
+    Variable* v = AddVar("&odd");
     v->value.eType = static_cast<XVarType>(7);
     EXPECT_EQ(SubstVarValue("x&odd", 1), "x&odd");
 }
@@ -144,9 +144,9 @@ TEST_F(Substitution, SubstVarValueOfAnOtherTypeLeavesTheText) {
 // ---- Expand --------------------------------------------------------------------------------
 
 TEST_F(Substitution, ExpandReplacesReferences) {
-    SetStringVar(&ctx.p, "&x", "abc");
-    SetIntegerVar(&ctx.p, "&i", 5);
-    SetDoubleVar(&ctx.p, "&d", 0.1);
+    SetStringVar("&x", "abc");
+    SetIntegerVar("&i", 5);
+    SetDoubleVar("&d", 0.1);
     EXPECT_EQ(Expanded("copy &x /tmp"), "copy abc /tmp");
     EXPECT_EQ(Expanded("n=&i"), "n=5");
     EXPECT_EQ(Expanded("v=&d"), "v=0.1");
@@ -154,7 +154,7 @@ TEST_F(Substitution, ExpandReplacesReferences) {
 }
 
 TEST_F(Substitution, ExpandEndsTheNameAtANonAlphanumeric) {
-    SetStringVar(&ctx.p, "&x", "abc");
+    SetStringVar("&x", "abc");
     EXPECT_EQ(Expanded("&x.txt"), "abc.txt");
     EXPECT_EQ(Expanded("/dir/&x/file"), "/dir/abc/file");
 }
@@ -166,7 +166,7 @@ TEST_F(Substitution, ExpandWithoutReferences) {
 }
 
 TEST_F(Substitution, ExpandUndefinedAndNullVariables) {
-    AddVar(&ctx.p, "&n");
+    AddVar("&n");
     EXPECT_EQ(Expanded("x &u y"), "x  y");
     // Only the reference itself is handed to substitution, so only it disappears.
     EXPECT_EQ(Expanded("x &n y"), "x  y");
@@ -175,8 +175,8 @@ TEST_F(Substitution, ExpandUndefinedAndNullVariables) {
 TEST_F(Substitution, ExpandLoneAmpersand) { EXPECT_EQ(Expanded("a & b"), "a  b"); }
 
 TEST_F(Substitution, ExpandIndirectReference) {
-    SetStringVar(&ctx.p, "&x", "y");
-    SetStringVar(&ctx.p, "&y", "z");
+    SetStringVar("&x", "y");
+    SetStringVar("&y", "z");
     EXPECT_EQ(Expanded("a&&x b"), "az b");
 }
 
@@ -194,12 +194,12 @@ TEST_F(Substitution, ExpandKeepsASemicolonInQuotes) {
 }
 
 TEST_F(Substitution, ExpandReplacesReferencesInsideQuotes) {
-    SetStringVar(&ctx.p, "&x", "abc");
+    SetStringVar("&x", "abc");
     EXPECT_EQ(Expanded("echo \"&x;\""), "echo \"abc;\"");
 }
 
 TEST_F(Substitution, ExpandSemicolonFromAValueIsKept) {
-    SetStringVar(&ctx.p, "&x", "a;b");
+    SetStringVar("&x", "a;b");
     EXPECT_EQ(Expanded("echo &x c"), "echo a;b c");
 }
 
@@ -225,13 +225,6 @@ TEST_F(Substitution, ExpandArgumentReferences) {
     Arguments({"first", "second"});
     EXPECT_EQ(Expanded("&0 &1 &2"), "unit.kvx first second");
     EXPECT_EQ(Expanded("&3"), "");
-}
-
-TEST_F(Substitution, ParseCommandExpandsAndEndsTheLine) {
-    SetStringVar(&ctx.p, "&x", "abc");
-    ctx.SetLine("echo &x; more");
-    EXPECT_EQ(ParseCommand(&ctx.p, "echo &x; more"), "echo abc");
-    EXPECT_EQ(*ctx.p.pPos, '\0');
 }
 
 }  // namespace

@@ -7,9 +7,12 @@
 #include <string>
 
 #include "blocks.h"
+#include "diagnostics.h"
 #include "expression.h"
 #include "kavro.h"
-#include "kvexec.h"
+#include "script_reader.h"
+#include "statements.h"
+#include "variables.h"
 
 namespace kvtest {
 
@@ -39,12 +42,12 @@ inline Const Str(const char* s) {
 class Context {
 public:
     Context() {
-        static char name[] = "unit.kvx";
-        szScript = name;
+        SetReportSource("unit.kvx", &script.iLine);
+        p.pScript = &script;
         InitVariables();
         ResetBlocks();
         p.pStack = AllocOperandStack();
-        SetIntegerVar(&p, "&retcode", 0);
+        SetIntegerVar("&retcode", 0);
         kavro::TermSetMode(kavro::TermMode::Raw);
         kavro::TermCapture(&output);
     }
@@ -76,6 +79,7 @@ public:
         return output;
     }
 
+    ScriptReader script;
     Parser p;
     std::string output;
 };

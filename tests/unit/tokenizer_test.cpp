@@ -299,12 +299,10 @@ TEST_F(Tokenizer, OtherCharactersAreOneCharacterTokens) {
 TEST_F(Tokenizer, PositionAndLength) {
     ctx.SetLine("   abc  12");
     EXPECT_EQ(Next(), TokenString);
-    EXPECT_EQ(ctx.p.pTokenStart - ctx.p.sLine.data(), 3);
-    EXPECT_EQ(ctx.p.uiTokenLen, 3u);
+    EXPECT_EQ(ctx.p.sToken, "abc");
     EXPECT_EQ(Offset(), 6);
     EXPECT_EQ(Next(), TokenInteger);
-    EXPECT_EQ(ctx.p.pTokenStart - ctx.p.sLine.data(), 8);
-    EXPECT_EQ(ctx.p.uiTokenLen, 2u);
+    EXPECT_EQ(ctx.p.sToken, "12");
     EXPECT_EQ(Offset(), 10);
 }
 
@@ -424,21 +422,6 @@ TEST_F(Tokenizer, FirstTokenWordsAreVariables) {
     EXPECT_EQ(Classify("<>", true), TokenComparator);
 }
 
-TEST_F(Tokenizer, LiteralModeOnlyKnowsVariablesAndStrings) {
-    ctx.p.bLiteral = true;
-    ctx.SetLine("");
-    for (const char* t : {"&if", "&len", "&x", "&"}) {
-        ctx.p.sToken = t;
-        EXPECT_EQ(GetTokenType(&ctx.p), TokenVar) << t;
-    }
-    for (const char* t : {"12", "1.5", "(", "=", "+", "<>", "abc"}) {
-        ctx.p.sToken = t;
-        EXPECT_EQ(GetTokenType(&ctx.p), TokenString) << t;
-    }
-    ctx.p.sToken = "";
-    EXPECT_EQ(GetTokenType(&ctx.p), TokenEol);
-}
-
 TEST_F(Tokenizer, AmpersandIsLogicalNeverOperator) {
     EXPECT_EQ(Classify("&"), TokenLogical);
     EXPECT_EQ(Classify("%"), TokenLogical);
@@ -510,13 +493,6 @@ TEST_F(Tokenizer, GetComparator) {
     EXPECT_EQ(GetComparator("=<"), nullptr);
     EXPECT_EQ(GetComparator("<=="), nullptr);
     EXPECT_EQ(GetComparator("x"), nullptr);
-}
-
-TEST_F(Tokenizer, GetOperatorAndGetLogical) {
-    for (const char* t : {"+", "-", "*", "/", "&", "|", "^"}) EXPECT_NE(GetOperator(t), nullptr) << t;
-    for (const char* t : {"%", "++", "x", "="}) EXPECT_EQ(GetOperator(t), nullptr) << t;
-    for (const char* t : {"&", "|", "^", "%"}) EXPECT_NE(GetLogical(t), nullptr) << t;
-    for (const char* t : {"+", "-", "&&", "x"}) EXPECT_EQ(GetLogical(t), nullptr) << t;
 }
 
 TEST_F(Tokenizer, IsConst) {

@@ -367,7 +367,7 @@ TEST_F(OperandStack, OverflowOnPushOfAValueNamesItsKind) {
 }
 
 TEST_F(OperandStack, OverflowReportNamesTheScriptLine) {
-    ctx.p.iLine = 12;
+    ctx.script.iLine = 12;
     EXPECT_REPORT_EXIT((FillStack(&ctx.p), PushInteger(&ctx.p, 1)), 0,
                        kvtest::Report("CStack overflow", "../src/expression", 107, 12));
 }

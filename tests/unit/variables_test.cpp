@@ -44,8 +44,8 @@ TEST_F(Variables, LookupIgnoresCase) {
 }
 
 TEST_F(Variables, OneVariableWhateverTheCase) {
-    SetIntegerVar(&ctx.p, "&Total", 5);
-    SetIntegerVar(&ctx.p, "&TOTAL", 6);
+    SetIntegerVar("&Total", 5);
+    SetIntegerVar("&TOTAL", 6);
     EXPECT_EQ(uiVars, 2u);
     Variable* v = FindVar("&total");
     ASSERT_NE(v, nullptr);
@@ -59,14 +59,14 @@ TEST_F(Variables, FindVarNeverCreates) {
 }
 
 TEST_F(Variables, FindVarMatchesWholeNames) {
-    SetIntegerVar(&ctx.p, "&abc", 1);
+    SetIntegerVar("&abc", 1);
     EXPECT_EQ(FindVar("&ab"), nullptr);
     EXPECT_EQ(FindVar("&abcd"), nullptr);
     EXPECT_EQ(FindVar("abc"), nullptr);
 }
 
 TEST_F(Variables, AddVarCreatesANullRecord) {
-    Variable* v = AddVar(&ctx.p, "&new");
+    Variable* v = AddVar("&new");
     ASSERT_NE(v, nullptr);
     EXPECT_EQ(v->sName, "&new");
     EXPECT_EQ(v->value.eType, VarUndef);
@@ -75,35 +75,35 @@ TEST_F(Variables, AddVarCreatesANullRecord) {
 }
 
 TEST_F(Variables, AddVarReturnsAnExistingRecordUnchanged) {
-    SetStringVar(&ctx.p, "&s", "keep");
-    Variable* v = AddVar(&ctx.p, "&S");
+    SetStringVar("&s", "keep");
+    Variable* v = AddVar("&S");
     EXPECT_EQ(v->value.eType, VarString);
     EXPECT_EQ(v->value.sValue, "keep");
     EXPECT_EQ(uiVars, 2u);
 }
 
 TEST_F(Variables, GetVarFindsOrCreates) {
-    Variable* v = GetVar(&ctx.p, "&x");
+    Variable* v = GetVar("&x");
     ASSERT_NE(v, nullptr);
     EXPECT_EQ(v->value.eType, VarUndef);
     EXPECT_EQ(uiVars, 2u);
-    EXPECT_EQ(GetVar(&ctx.p, "&X"), v);
-    EXPECT_EQ(GetVar(&ctx.p, CBString("&x")), v);
+    EXPECT_EQ(GetVar("&X"), v);
+    EXPECT_EQ(GetVar(CBString("&x")), v);
     EXPECT_EQ(uiVars, 2u);
 }
 
 TEST_F(Variables, GetVarUsesTheNameAsGiven) {
-    SetStringVar(&ctx.p, "&b", "x");
-    Variable* v = GetVar(&ctx.p, "&a&b");
+    SetStringVar("&b", "x");
+    Variable* v = GetVar("&a&b");
     EXPECT_EQ(v->sName, "&a&b");
     EXPECT_EQ(FindVar("&ax"), nullptr);
     EXPECT_EQ(FindVar("&a&b"), v);
 }
 
 TEST_F(Variables, RecordsInOrderOfCreation) {
-    AddVar(&ctx.p, "&a");
-    SetIntegerVar(&ctx.p, "&b", 2);
-    GetVar(&ctx.p, "&c");
+    AddVar("&a");
+    SetIntegerVar("&b", 2);
+    GetVar("&c");
     EXPECT_EQ(uiVars, 4u);
     EXPECT_EQ(VarAt(1)->sName, "&a");
     EXPECT_EQ(VarAt(2)->sName, "&b");
@@ -113,45 +113,45 @@ TEST_F(Variables, RecordsInOrderOfCreation) {
 // ---- Setting values ------------------------------------------------------------------------
 
 TEST_F(Variables, SetIntegerVarKeepsLow16Bits) {
-    SetIntegerVar(&ctx.p, "&i", 70000);
+    SetIntegerVar("&i", 70000);
     EXPECT_EQ(FindVar("&i")->value.iValue, 4464);
-    SetIntegerVar(&ctx.p, "&i", -1);
+    SetIntegerVar("&i", -1);
     EXPECT_EQ(FindVar("&i")->value.iValue, -1);
-    SetIntegerVar(&ctx.p, "&i", 32768);
+    SetIntegerVar("&i", 32768);
     EXPECT_EQ(FindVar("&i")->value.iValue, -32768);
-    SetIntegerVar(&ctx.p, "&i", 65536);
+    SetIntegerVar("&i", 65536);
     EXPECT_EQ(FindVar("&i")->value.iValue, 0);
     EXPECT_EQ(FindVar("&i")->value.eType, VarInteger);
 }
 
 TEST_F(Variables, SetDoubleVar) {
-    SetDoubleVar(&ctx.p, "&d", 2.5);
+    SetDoubleVar("&d", 2.5);
     Variable* v = FindVar("&d");
     EXPECT_EQ(v->value.eType, VarFloat);
     EXPECT_EQ(v->value.dValue, 2.5);
 }
 
 TEST_F(Variables, SetStringVar) {
-    SetStringVar(&ctx.p, "&s", "hello");
+    SetStringVar("&s", "hello");
     Variable* v = FindVar("&s");
     EXPECT_EQ(v->value.eType, VarString);
     EXPECT_EQ(v->value.sValue, "hello");
 }
 
 TEST_F(Variables, NewTypeLeavesOldSlotsBehind) {
-    SetStringVar(&ctx.p, "&s", "abc");
-    SetIntegerVar(&ctx.p, "&s", 4);
+    SetStringVar("&s", "abc");
+    SetIntegerVar("&s", 4);
     Variable* v = FindVar("&s");
     EXPECT_EQ(v->value.eType, VarInteger);
     EXPECT_EQ(v->value.iValue, 4);
     EXPECT_EQ(v->value.sValue, "abc");
-    SetDoubleVar(&ctx.p, "&s", 1.5);
+    SetDoubleVar("&s", 1.5);
     EXPECT_EQ(v->value.eType, VarFloat);
     EXPECT_EQ(v->value.iValue, 4);
 }
 
 TEST_F(Variables, RetcodeCanBeSetUnderAnyCase) {
-    SetIntegerVar(&ctx.p, "&RETCODE", 3);
+    SetIntegerVar("&RETCODE", 3);
     EXPECT_EQ(uiVars, 1u);
     EXPECT_EQ(VarAt(0)->value.iValue, 3);
 }
@@ -159,14 +159,14 @@ TEST_F(Variables, RetcodeCanBeSetUnderAnyCase) {
 // ---- Growth --------------------------------------------------------------------------------
 
 TEST_F(Variables, TableFullAt128) {
-    for (int i = 1; i < 128; ++i) SetIntegerVar(&ctx.p, Name(i).c_str(), i);
+    for (int i = 1; i < 128; ++i) SetIntegerVar(Name(i).c_str(), i);
     EXPECT_EQ(uiVars, 128u);
     EXPECT_EQ(uiMaxVars, 128u);
 }
 
 TEST_F(Variables, The129thVariableGrowsTheTable) {
-    for (int i = 1; i < 128; ++i) SetIntegerVar(&ctx.p, Name(i).c_str(), i);
-    SetStringVar(&ctx.p, "&extra", "x");
+    for (int i = 1; i < 128; ++i) SetIntegerVar(Name(i).c_str(), i);
+    SetStringVar("&extra", "x");
     EXPECT_EQ(uiVars, 129u);
     EXPECT_EQ(uiMaxVars, 256u);
     EXPECT_EQ(VarAt(128)->sName, "&extra");
@@ -180,9 +180,9 @@ TEST_F(Variables, The129thVariableGrowsTheTable) {
 }
 
 TEST_F(Variables, GrowthKeepsEveryValue) {
-    SetStringVar(&ctx.p, "&s", "text");
-    SetDoubleVar(&ctx.p, "&d", 0.25);
-    for (int i = 0; i < 500; ++i) SetIntegerVar(&ctx.p, Name(i).c_str(), i * 3);
+    SetStringVar("&s", "text");
+    SetDoubleVar("&d", 0.25);
+    for (int i = 0; i < 500; ++i) SetIntegerVar(Name(i).c_str(), i * 3);
     EXPECT_EQ(uiVars, 503u);
     EXPECT_EQ(uiMaxVars, 512u);
     for (int i = 0; i < 500; ++i) {
@@ -197,10 +197,10 @@ TEST_F(Variables, GrowthKeepsEveryValue) {
 }
 
 TEST_F(Variables, RecordPointerStaysUsableAcrossGrowth) {
-    SetStringVar(&ctx.p, "&keep", "still here");
+    SetStringVar("&keep", "still here");
     Variable* keep = FindVar("&keep");
     ASSERT_NE(keep, nullptr);
-    for (int i = 0; i < 300; ++i) SetIntegerVar(&ctx.p, Name(i).c_str(), i);
+    for (int i = 0; i < 300; ++i) SetIntegerVar(Name(i).c_str(), i);
     EXPECT_EQ(uiVars, 302u);
     EXPECT_EQ(uiMaxVars, 384u);
     EXPECT_EQ(keep->sName, "&keep");
@@ -232,7 +232,7 @@ TEST_F(Variables, GetValueOfStrings) {
 }
 
 TEST_F(Variables, GetValueOfAStringIsNotExpanded) {
-    SetStringVar(&ctx.p, "&x", "no");
+    SetStringVar("&x", "no");
     EXPECT_EQ(ValueOf("\"a&x\"").sValue, "a&x");
 }
 
@@ -246,9 +246,9 @@ TEST_F(Variables, GetValueOfAnUndefinedVariableIsEmptyAndCreatesIt) {
 }
 
 TEST_F(Variables, GetValueCopiesEveryMemberOfAVariable) {
-    SetStringVar(&ctx.p, "&x", "old");
-    SetDoubleVar(&ctx.p, "&x", 2.5);
-    SetIntegerVar(&ctx.p, "&x", 5);
+    SetStringVar("&x", "old");
+    SetDoubleVar("&x", 2.5);
+    SetIntegerVar("&x", 5);
     Const c = ValueOf("&X");
     EXPECT_EQ(c.eType, VarInteger);
     EXPECT_EQ(c.iValue, 5);

@@ -3,9 +3,8 @@
 // the script to the loop head kept in its block-stack entry.
 #include "blocks.h"
 #include "diagnostics.h"
-#include "expression.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
 namespace {
 
@@ -13,32 +12,35 @@ enum class Truth { True, False, SkipAndEnd, EndAtOnce };
 
 // &WHILE: an empty string ends the loop by skipping its body; a non-empty one ends it at once,
 // without skipping, so the body runs once as ordinary lines and its &WEND fails.
-Truth WhileTruth(Parser* p, const Const& c) {
+Truth WhileTruth(const Const& c) {
     switch (c.eType) {
         case VarInteger: return c.iValue != 0 ? Truth::True : Truth::False;
         case VarFloat: return c.dValue != 0.0 ? Truth::True : Truth::False;
         case VarString: return c.sValue.empty() ? Truth::SkipAndEnd : Truth::EndAtOnce;
-        default: SYNTAX_ERROR(p, Src::Kvexec, At::WhileCondition);
+        default: SYNTAX_ERROR(Src::Kvexec, At::WhileCondition);
     }
 }
 
 // &UNTIL mirrors it: the body runs while the condition is false.
-Truth UntilTruth(Parser* p, const Const& c) {
+Truth UntilTruth(const Const& c) {
     switch (c.eType) {
         case VarInteger: return c.iValue == 0 ? Truth::True : Truth::False;
         case VarFloat: return c.dValue == 0.0 ? Truth::True : Truth::False;
         case VarString: return c.sValue.empty() ? Truth::EndAtOnce : Truth::SkipAndEnd;
-        default: SYNTAX_ERROR(p, Src::Kvexec, At::UntilCondition);
+        default: SYNTAX_ERROR(Src::Kvexec, At::UntilCondition);
     }
 }
 
-void ConditionalLoop(Parser* p, const char* closer, Truth (*truth)(Parser*, const Const&)) {
-    PushBlock(BlockWhile, VarUndef, static_cast<unsigned>(p->iLine), static_cast<uint32_t>(p->lLinePos));
+unsigned LinePos(Parser* p) { return static_cast<unsigned>(p->pScript->iLine); }
+uint32_t CharPos(Parser* p) { return static_cast<uint32_t>(p->pScript->LineStart()); }
+
+void ConditionalLoop(Parser* p, const char* closer, Truth (*truth)(const Const&)) {
+    PushBlock(BlockWhile, VarUndef, LinePos(p), CharPos(p));
     for (;;) {
         GetNextToken(p);
         Const c;
         Evaluate(p, &c, true);
-        switch (truth(p, c)) {
+        switch (truth(c)) {
             case Truth::True: break;
             case Truth::False:
             case Truth::SkipAndEnd:
@@ -53,41 +55,36 @@ void ConditionalLoop(Parser* p, const char* closer, Truth (*truth)(Parser*, cons
         }
         // The body. "&CONTINUE" and the end of the file go back to the condition without
         // re-reading the head: it is taken from where the last dispatched line left the scan.
-        while (char* line = GetLine(p, szLine, sizeof szLine)) {
-            if (FirstWordIs(line, closer)) {
-                _Restart_Loop(p, szLine, sizeof szLine);
-                GetNextToken(p);
-                break;
-            }
-            if (FirstWordIs(line, "&CONTINUE")) break;
-            if (FirstWordIs(line, "&BREAK")) {
-                PopBlock();
-                SkipLine(p);
-                return;
-            }
-            _Parse_Line(p, line);
+        const char* stop =
+            p->pScript->ReadUntil({closer, "&CONTINUE", "&BREAK"}, [p](const char* line) { _Parse_Line(p, line); });
+        if (stop && FirstWordIs(stop, "&BREAK")) {
+            PopBlock();
+            SkipLine(p);
+            return;
+        }
+        if (stop && FirstWordIs(stop, closer)) {
+            _Restart_Loop(p);
+            GetNextToken(p);
         }
     }
 }
 
 }  // namespace
 
-void _Restart_Loop(Parser* p, char* buffer, unsigned long size) {
+void _Restart_Loop(Parser* p) {
     p->bFirstToken = false;
-    p->bLineStart = false;
-    p->bLiteral = false;
-    ScriptSeek(p, static_cast<long>(GetBlockCharPos()));
+    ScriptReader* script = p->pScript;
+    script->Seek(static_cast<long>(GetBlockCharPos()));
     // Traced under the number that follows the closing line's; corrected to the head's below.
-    char* line = GetLine(p, buffer, size);
+    const char* line = script->GetLine();
     p->sLine = line ? line : "";
     p->pPos = p->sLine.data();
-    p->iLine = static_cast<int>(GetBlockLinePos());
+    script->iLine = static_cast<int>(GetBlockLinePos());
 }
 
 // Reads up to a line whose first word is the keyword, without counting nested blocks.
 void _DiscardBlock(Parser* p, const char* keyword) {
-    while (char* line = GetLine(p, szLine, sizeof szLine))
-        if (FirstWordIs(line, keyword)) break;
+    p->pScript->ReadUntil({keyword});
     SkipLine(p);
 }
 
@@ -100,44 +97,40 @@ void ParseUntil(Parser* p) { ConditionalLoop(p, "&LOOP", UntilTruth); }
 // 16-bit arithmetic, so a limit of 32767 is never passed.
 void ParseFor(Parser* p) {
     GetNextToken(p);
-    if (p->eTokenType != TokenVar) SYNTAX_ERROR(p, Src::Kvexec, At::ForVariable);
-    Variable* v = GetVar(p, p->sToken);
+    if (p->eTokenType != TokenVar) SYNTAX_ERROR(Src::Kvexec, At::ForVariable);
+    Variable* v = GetVar(p->sToken);
     GetNextToken(p);
-    if (p->eTokenType != TokenEqual) SYNTAX_ERROR(p, Src::Kvexec, At::ForEqual);
+    if (p->eTokenType != TokenEqual) SYNTAX_ERROR(Src::Kvexec, At::ForEqual);
     GetNextToken(p);
     Evaluate(p, &v->value, false);
     ToInteger(&v->value);
-    if (p->eTokenType != TokenComma) SYNTAX_ERROR(p, Src::Kvexec, At::ForComma);
+    if (p->eTokenType != TokenComma) SYNTAX_ERROR(Src::Kvexec, At::ForComma);
     GetNextToken(p);
     Const limit;
     Evaluate(p, &limit, false);
     ToInteger(&limit);
 
-    PushBlock(BlockFor, v->value.eType, static_cast<unsigned>(p->iLine), static_cast<uint32_t>(p->lLinePos));
-    while (char* line = GetLine(p, szLine, sizeof szLine)) {
-        if (!FirstWordIs(line, "&NEXT")) {
-            _Parse_Line(p, line);
-            continue;
-        }
+    PushBlock(BlockFor, v->value.eType, LinePos(p), CharPos(p));
+    while (p->pScript->ReadUntil({"&NEXT"}, [p](const char* line) { _Parse_Line(p, line); })) {
         v->value.iValue = Int16(v->value.iValue + 1);
         if (v->value.iValue > limit.iValue) break;
-        _Restart_Loop(p, szLine, sizeof szLine);
+        _Restart_Loop(p);
     }
     PopBlock();
     SkipLine(p);
 }
 
-void ParseNext(Parser* p) {
-    if (GetBlockType() != BlockFor) NO_PENDING(p, Src::Kvexec, At::NextPending, "&FOR");
+void ParseNext(Parser* /*p*/) {
+    if (GetBlockType() != BlockFor) NO_PENDING(Src::Kvexec, At::NextPending, "&FOR");
 }
 
 // No statement opens an &UNTIL entry, so a &LOOP reaching dispatch always fails.
-void ParseLoop(Parser* p) {
-    if (GetBlockType() != BlockUntil) NO_PENDING(p, Src::Kvexec, At::LoopPending, "&UNTIL");
+void ParseLoop(Parser* /*p*/) {
+    if (GetBlockType() != BlockUntil) NO_PENDING(Src::Kvexec, At::LoopPending, "&UNTIL");
 }
 
-void ParseWend(Parser* p) { NO_PENDING(p, Src::Kvexec, At::WendPending, "&WHILE"); }
+void ParseWend(Parser* /*p*/) { NO_PENDING(Src::Kvexec, At::WendPending, "&WHILE"); }
 
-void ParseBreak(Parser* p) { NO_PENDING(p, Src::Kvexec, At::BreakPending, "&FOR, &UNTIL or &WHILE"); }
+void ParseBreak(Parser* /*p*/) { NO_PENDING(Src::Kvexec, At::BreakPending, "&FOR, &UNTIL or &WHILE"); }
 
-void ParseContinue(Parser* p) { NO_PENDING(p, Src::Kvexec, At::ContinuePending, "&FOR, &UNTIL or &WHILE"); }
+void ParseContinue(Parser* /*p*/) { NO_PENDING(Src::Kvexec, At::ContinuePending, "&FOR, &UNTIL or &WHILE"); }

@@ -5,23 +5,22 @@
 
 #include "diagnostics.h"
 #include "kavro.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
 namespace {
 
 void Autocr(Parser* p) {
     GetNextToken(p);
     if (p->eTokenType != TokenInteger && p->eTokenType != TokenFloat && p->eTokenType != TokenString)
-        SYNTAX_ERROR(p, Src::Kvexec, At::ControlAutocr);
+        SYNTAX_ERROR(Src::Kvexec, At::ControlAutocr);
     p->iAutoCr = static_cast<int>(strtol(Expand(p->sToken), nullptr, 10));
 }
 
 void Case(Parser* p) {
     GetNextToken(p);
-    if (p->eTokenType == TokenEol) SYNTAX_ERROR(p, Src::Kvexec, At::ControlCase);
-    if (strcasecmp(p->sToken, "U") != 0 && strcasecmp(p->sToken, "M") != 0)
-        SYNTAX_ERROR(p, Src::Kvexec, At::ControlCase);
+    if (p->eTokenType == TokenEol) SYNTAX_ERROR(Src::Kvexec, At::ControlCase);
+    if (strcasecmp(p->sToken, "U") != 0 && strcasecmp(p->sToken, "M") != 0) SYNTAX_ERROR(Src::Kvexec, At::ControlCase);
     p->sToken = Expand(p->sToken);
     // Stored as written: "u" stores a lower-case letter.
     kavro::Kavro->cCaseMode = p->sToken.character(0);
@@ -29,30 +28,25 @@ void Case(Parser* p) {
 
 void Prompt(Parser* p) {
     GetNextToken(p);
-    if (p->eTokenType == TokenEol) SYNTAX_ERROR(p, Src::Kvexec, At::ControlPrompt);
+    if (p->eTokenType == TokenEol) SYNTAX_ERROR(Src::Kvexec, At::ControlPrompt);
     kavro::Kavro->sPrompt = Expand(p->sToken);
 }
 
 void Echo(Parser* p) { p->bEcho = true; }
 void NoEcho(Parser* p) { p->bEcho = false; }
-void Trace(Parser* p) { p->bTrace = true; }
-void NoTrace(Parser* p) { p->bTrace = false; }
+void Trace(Parser* p) { p->pScript->bTrace = true; }
+void NoTrace(Parser* p) { p->pScript->bTrace = false; }
 void Debug(Parser* p) { p->bDebug = true; }
 void NoDebug(Parser* p) { p->bDebug = false; }
 void StackShow(Parser*) { kavro::t_bStackShow = true; }
 void NoStackShow(Parser*) { kavro::t_bStackShow = false; }
 
-struct ControlOption {
-    const char* pszKeyword;
-    void (*pHandler)(Parser*);
+// In the order of the &CONTROL words.
+void (*const apfnControlOptions[])(Parser*) = {
+    Autocr, Case, NoStackShow, NoTrace, NoEcho, Echo, Prompt, StackShow, Trace, Debug, NoDebug,
 };
-
-// In the order the words are compared.
-const ControlOption aControlOptions[] = {
-    {"AUTOCR", Autocr}, {"CASE", Case},   {"NOSTACK", NoStackShow}, {"NOTRACE", NoTrace},
-    {"OFF", NoEcho},    {"ON", Echo},     {"PROMPT", Prompt},       {"STACK", StackShow},
-    {"TRACE", Trace},   {"DEBUG", Debug}, {"NODEBUG", NoDebug},
-};
+static_assert(sizeof apfnControlOptions / sizeof *apfnControlOptions == static_cast<size_t>(ControlWord::Count),
+              "one handler per &CONTROL word");
 
 }  // namespace
 
@@ -61,11 +55,7 @@ void ParseControl(Parser* p) {
         GetNextToken(p);
         if (p->eTokenType == TokenEol) return;
         p->sToken = Expand(p->sToken);
-        for (const ControlOption& o : aControlOptions) {
-            if (strcasecmp(o.pszKeyword, p->sToken) == 0) {
-                o.pHandler(p);
-                break;
-            }
-        }
+        int word = FindControlWord(p->sToken);
+        if (word >= 0) apfnControlOptions[word](p);
     }
 }

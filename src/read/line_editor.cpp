@@ -1,11 +1,9 @@
-// Keyboard line input and &READ.
-#include "read.h"
+// The line editor: keyboard line input with its editing keys, or a line from the keyboard stack.
+#include "line_editor.h"
 
 #include <string>
 
 #include "kavro.h"
-#include "kvexec.h"
-#include "statements.h"
 
 namespace {
 
@@ -112,22 +110,4 @@ void Read(char* buffer, unsigned long size, int autoCount) {
     size_t n = input.size() < size - 1 ? input.size() : size - 1;
     input.copy(buffer, n);
     buffer[n] = '\0';
-}
-
-// &READ &a &b …: one line per variable; anything after the variables is ignored.
-void ParseRead(Parser* p) {
-    GetNextToken(p);
-    while (p->eTokenType == TokenVar) {
-        Variable* v = GetVar(p, p->sToken);
-        const CBString& prompt = kavro::Kavro->sPrompt;
-        kavro::TermWrite(prompt.data(), static_cast<size_t>(prompt.length()));
-        kavro::t_StackSave();
-        kavro::t_StackLoad();
-        char line[4096];
-        Read(line, sizeof line, p->iAutoCr);
-        v->value.eType = VarString;
-        v->value.sValue = line;
-        GetNextToken(p);
-    }
-    SkipLine(p);
 }

@@ -1,19 +1,6 @@
 // &SHIFT: the positional arguments move down one place per round.
-#include <cstdio>
-
-#include "expression.h"
-#include "kvexec.h"
 #include "statements.h"
-
-namespace {
-
-void SetArgument(Parser* p, int index, const char* value) {
-    char name[16];
-    snprintf(name, sizeof name, "&%d", index);
-    SetStringVar(p, name, value);
-}
-
-}  // namespace
+#include "variables.h"
 
 // Each round copies &2 to &1, &3 to &2 and so on; its last copy reads the reference one past the
 // last argument, and the variable at that index is then emptied (and created if need be).
@@ -28,19 +15,17 @@ void ParseShift(Parser* p) {
     }
     // A negative count runs down through zero by wrapping around.
     uint32_t rounds = static_cast<uint32_t>(count < iArgs ? count : iArgs);
-    char name[16];
     while (rounds != 0) {
         int i = 1;
         if (iArgs > 1) {
             for (;;) {
-                snprintf(name, sizeof name, "&%d", i + 1);
-                SetArgument(p, i, GetVarValue(name));
+                SetStringVar(ArgumentName(i), GetVarValue(ArgumentName(i + 1)));
                 if (!(i + 1 < iArgs)) break;
                 ++i;
             }
             ++i;
         }
-        SetArgument(p, i, "");
+        SetStringVar(ArgumentName(i), "");
         iArgs = static_cast<int>(static_cast<uint32_t>(iArgs) - 1u);
         --rounds;
     }

@@ -1,22 +1,18 @@
-// Error reports. Every error ends the run with one report, "\r<message>, in <script>, line <n>.
-// \rdetected in <unit>, line <n>\r", naming the script line and the fixed place that detected it.
+// Error reports and the one way the run ends. Every error ends the run with one report,
+// "\r<message>, in <script>, line <n>.\rdetected in <unit>, line <n>\r", naming the script line
+// and the fixed place that detected it. The unit names and detection lines are message text, not
+// places in this program's source.
 #pragma once
-
-#include <cstddef>
-
-#include "types.h"
 
 // The units named in reports.
 namespace Src {
 constexpr const char* Kvexec = "../src/kvexec";
 constexpr const char* Expression = "../src/expression";
-constexpr const char* Blocks = "../src/blocks";
 }  // namespace Src
 
 // The detection lines named in reports, by the unit and the check that detects.
 namespace At {
 // ../src/kvexec
-constexpr int MissingEndKind = 152;
 constexpr int AllocBuf = 183;
 constexpr int GetValueOperand = 395;
 constexpr int BreakPending = 487;
@@ -64,8 +60,6 @@ constexpr int ExpressionStart = 963;
 constexpr int FieldCopy = 1047;
 constexpr int RangeEnd = 1065;
 constexpr int ValuesLeft = 1088;
-// ../src/blocks
-constexpr int Unterminated = 72;
 }  // namespace At
 
 // Exit statuses, passed to exit() as they stand (a parent sees them modulo 256).
@@ -74,23 +68,27 @@ constexpr int Syntax = 255;
 constexpr int Stack = 256;
 constexpr int Memory = 12;
 constexpr int Internal = 257;
-constexpr int MissingEnd = 258;
 constexpr int NoPending = 259;
 constexpr int NoLabel = 260;
 constexpr int StringIndex = 134;  // an uncaught string-index exception
 }  // namespace Status
 
-void ERROR(Parser* p, const char* file, int line, const char* message);
-[[noreturn]] void SYNTAX_ERROR(Parser* p, const char* file, int line);
-[[noreturn]] void STACK_OVERFLOW_ERROR(Parser* p, const char* file, int line);
-[[noreturn]] void STACK_UNDERFLOW_ERROR(Parser* p, const char* file, int line);
-[[noreturn]] void MEMORY_ERROR(Parser* p, const char* file, int line);
-[[noreturn]] void EXEC_ERROR(Parser* p, const char* file, int line);
-[[noreturn]] void NO_EXPRESSION(Parser* p, const char* file, int line);
-[[noreturn]] void MISSING_END(Parser* p, const char* file, int line, CBlock* block);
-[[noreturn]] void NO_PENDING(Parser* p, const char* file, int line, const char* what);
-[[noreturn]] void NO_LABEL(Parser* p, const char* file, int line, const char* label);
-// The report for a string-index exception that reached the read loop.
-[[noreturn]] void STRING_INDEX_ERROR(Parser* p, const char* message);
+// Where reports say the run stands: the script path as given, and the line counter of the script
+// being read (read at the moment of each report).
+void SetReportSource(const char* script, const int* line);
 
-char* _Alloc_Buf(Parser* p, size_t size);
+// The one way the run ends once it has started: waiting output is written, then the process exits
+// with the status as it stands.
+[[noreturn]] void ExitRun(int status);
+
+[[noreturn]] void SYNTAX_ERROR(const char* file, int line);
+[[noreturn]] void STACK_OVERFLOW_ERROR(const char* file, int line);
+[[noreturn]] void STACK_UNDERFLOW_ERROR(const char* file, int line);
+// The message is the system's text for errno at the moment of the call.
+[[noreturn]] void MEMORY_ERROR(const char* file, int line);
+[[noreturn]] void EXEC_ERROR(const char* file, int line);
+[[noreturn]] void NO_EXPRESSION(const char* file, int line);
+[[noreturn]] void NO_PENDING(const char* file, int line, const char* what);
+[[noreturn]] void NO_LABEL(const char* file, int line, const char* label);
+// The report for a string-index exception that reached the read loop.
+[[noreturn]] void STRING_INDEX_ERROR(const char* message);

@@ -1,16 +1,14 @@
 // Typed output and the keyboard stack: &TYPE, &BEGTYPE, &BEGSTACK, &STACK, &SPACE, &SLEEP.
 #include <unistd.h>
 
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 
 #include "diagnostics.h"
-#include "expression.h"
 #include "kavro.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
 // &TYPE text: the rest of the line up to a ";", with variable references replaced. A trailing
 // backslash keeps the cursor on the line. Double quotes are printed as they are.
@@ -26,8 +24,7 @@ void ParseType(Parser* p) {
     for (const char* s = text; s < end;) {
         if (*s == '&') {
             const char* start = s;
-            while (s < end && *s == '&') ++s;
-            while (s < end && isalnum(static_cast<unsigned char>(*s))) ++s;
+            s = ReferenceEnd(s, end);
             out += GetVarValue(CBString(start, static_cast<size_t>(s - start)));
             continue;
         }
@@ -47,10 +44,7 @@ namespace {
 // Reads lines up to one whose first word is "&END" (or the end of the file), as they are.
 template <typename Use>
 void VerbatimLines(Parser* p, Use use) {
-    while (char* line = GetLine(p, szLine, sizeof szLine)) {
-        if (FirstWordIs(line, "&END")) break;
-        use(line);
-    }
+    p->pScript->ReadUntil({"&END"}, use);
     SkipLine(p);
 }
 
@@ -86,11 +80,11 @@ void ParseStack(Parser* p) {
             case VarFloat: text.formata("%.14g", v.dValue); break;
             case VarString: text += v.sValue; break;
             case VarUndef: text.clear(); break;
-            default: SYNTAX_ERROR(p, Src::Kvexec, At::StackValue);
+            default: SYNTAX_ERROR(Src::Kvexec, At::StackValue);
         }
     }
     kavro::t_StackWrite(text);
-    if (p->bTrace && kavro::t_bStackShow) kavro::TermPrintf("<stack \"%s\">\r", text.data());
+    if (p->pScript->bTrace && kavro::t_bStackShow) kavro::TermPrintf("<stack \"%s\">\r", text.data());
     SkipLine(p);
 }
 
@@ -131,7 +125,7 @@ void ParseSleep(Parser* p) {
                 seconds = static_cast<unsigned>(static_cast<int>(v.iValue));
             }
             break;
-        default: SYNTAX_ERROR(p, Src::Kvexec, At::SleepValue);
+        default: SYNTAX_ERROR(Src::Kvexec, At::SleepValue);
     }
     kavro::TermFlush();
     sleep(seconds);

@@ -1,14 +1,11 @@
-// &CRT and the screen-code tables. Rows are sorted by first character, and the search stops at
-// the first row whose first character is past the name's.
+// The screen-code tables: names of terminal control codes and of line-drawing characters, with
+// the one byte each writes. Rows are sorted by first character, and the search stops at the first
+// row whose first character is past the name's.
+#include "screen_codes.h"
+
 #include <strings.h>
 
-#include <cctype>
-
-#include "expression.h"
 #include "kavro.h"
-#include "kvexec.h"
-#include "screen_codes.h"
-#include "statements.h"
 
 const CrtCode aCrt[] = {
     {"BEL*?", 0x07}, {"BOF*?", 0x1e}, {"BON", 0x1d},   {"C*?", 0x0c},   {"CR", 0x0d},    {"DC", 0x14},
@@ -47,21 +44,4 @@ CBString Crt(const char* name) {
     CBString code = _code2val(upper, aCrt);
     if (code.empty()) code = _code2val(upper, aLine);
     return code;
-}
-
-// &CRT value: with a string the name looked up is the token that ended the expression (so
-// "&CRT x DL" writes DL's code and "&CRT DL" alone writes nothing); with numbers it moves the
-// cursor, the second number first.
-void ParseCrt(Parser* p) {
-    GetNextToken(p);
-    Const first;
-    Evaluate(p, &first, false);
-    if (first.eType == VarString) {
-        CBString code = Crt(p->sToken);
-        kavro::TermWrite(code.data(), static_cast<size_t>(code.length()));
-        return;
-    }
-    Const second;
-    Evaluate(p, &second, false);
-    kavro::TermMove(second.iValue, first.iValue);
 }

@@ -5,12 +5,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "diagnostics.h"
-#include "expression.h"
+#include "tokenizer.h"
+
 #include "kavro.h"
-#include "keyword.h"
-#include "kvexec.h"
-#include "statements.h"
+#include "keywords.h"
 
 const char* const aszTokenTypes[] = {
     "NotAToken",     "TokenStatement", "TokenFunction",   "TokenInteger",    "TokenFloat",
@@ -20,23 +18,13 @@ const char* const aszTokenTypes[] = {
     "TokenUndef",    "TokenSpace",     "TokenCommand",    "TokenBadString",  "TokenBadNumber",
 };
 
-const Comparator aComparators[] = {
-    {"=", CompEqual}, {"==", CompEqual},        {"<>", CompNotEqual},  {"!=", CompNotEqual}, {">", CompGreater},
-    {"<", CompLess},  {">=", CompGreaterEqual}, {"<=", CompLessEqual}, {nullptr, CompNone},
-};
-
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Where the token that starts at s ends.
-const char* TokenEnd(const Parser* p, const char* s) {
+const char* TokenEnd(const char* s) {
     char c = *s;
-    if (p->bWordScan) {
-        const char* q = s + 1;
-        while (*q && *q != '&' && kavro::t_isalnum(*q)) ++q;
-        return q;
-    }
     switch (c) {
         case '!':
         case '>': return s + (s[1] == '=' ? 2 : 1);
@@ -58,12 +46,7 @@ const char* TokenEnd(const Parser* p, const char* s) {
                 ++q;
             }
         }
-        case '&': {
-            const char* q = s;
-            while (*q == '&') ++q;
-            while (*q && kavro::t_isalnum(*q)) ++q;
-            return q;
-        }
+        case '&': return ReferenceEnd(s);
         default: break;
     }
     if (strchr("+-*/()&|^%", c)) return s + 1;
@@ -84,7 +67,7 @@ const char* TokenEnd(const Parser* p, const char* s) {
     return s + 1;
 }
 
-TokenType QuotedType(Parser* p) {
+TokenType QuotedType(TokenScan* p) {
     const std::string& t = p->sToken.str();
     size_t len = t.size();
     if (len == 1) return TokenString;
@@ -134,13 +117,15 @@ TokenType NumberType(const std::string& t) {
 
 }  // namespace
 
-void skip_spaces(Parser* p) {
+void skip_spaces(TokenScan* p) {
     while (*p->pPos && isspace(static_cast<unsigned char>(*p->pPos))) ++p->pPos;
 }
 
 bool IsConst(const TokenType& t) { return t == TokenInteger || t == TokenFloat || t == TokenString; }
 
-bool GetNextToken(Parser* p) {
+void SkipLine(TokenScan* p) { p->pPos = p->sLine.data() + p->sLine.length(); }
+
+bool GetNextToken(TokenScan* p) {
     const char* s = p->pPos;
     while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
     if (*s == '\0') {
@@ -149,20 +134,17 @@ bool GetNextToken(Parser* p) {
         if (p->bDebug) kavro::TermPrintf("token type = %s|\r", aszTokenTypes[TokenEol]);
         return true;
     }
-    const char* e = TokenEnd(p, s);
+    const char* e = TokenEnd(s);
     p->sToken.assign(s, static_cast<size_t>(e - s));
-    p->pTokenStart = s;
     p->pPos = e;
-    p->uiTokenLen = static_cast<uint64_t>(e - s);
     p->eTokenType = GetTokenType(p);
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s|\r", aszTokenTypes[p->eTokenType], p->sToken.data());
     return true;
 }
 
-TokenType GetTokenType(Parser* p) {
+TokenType GetTokenType(TokenScan* p) {
     const std::string& t = p->sToken.str();
     if (t.empty()) return TokenEol;
-    if (p->bLiteral) return t[0] == '&' ? TokenVar : TokenString;
     if (t.size() == 1) {
         switch (t[0]) {
             case '(': return TokenBeginGroup;
@@ -187,22 +169,10 @@ TokenType GetTokenType(Parser* p) {
     if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
     if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
     if (GetComparator(t.c_str())) return TokenComparator;
-    if (GetFunction(t.c_str())) return TokenFunction;
-    if (GetStatement(t.c_str())) return TokenStatement;
+    if (kFunctionWords.Find(t.c_str()) >= 0) return TokenFunction;
+    if (kStatementWords.Find(t.c_str()) >= 0) return TokenStatement;
     if (p->bFirstToken) return TokenVar;
     return t[0] == '&' ? TokenVar : TokenString;
-}
-
-const Comparator* GetComparator(const char* text) { return FindKeyword(aComparators, text); }
-
-const char* GetOperator(const char* text) {
-    if (!text[0] || text[1]) return nullptr;
-    return strchr("+-*/&|^", text[0]);
-}
-
-const char* GetLogical(const char* text) {
-    if (!text[0] || text[1]) return nullptr;
-    return strchr("&|^%", text[0]);
 }
 
 int Second(const char* hms) {
@@ -216,4 +186,22 @@ CBString ExtractFirstWord(const char* text) {
     const char* e = text;
     while (*e && !isspace(static_cast<unsigned char>(*e))) ++e;
     return CBString(text, static_cast<size_t>(e - text));
+}
+
+bool FirstWordIs(const char* line, const char* keyword) {
+    size_t n = 0;
+    while (line[n] && !isspace(static_cast<unsigned char>(line[n]))) ++n;
+    return n == strlen(keyword) && strncasecmp(line, keyword, n) == 0;
+}
+
+const char* ReferenceEnd(const char* s, const char* end) {
+    while (s != end && *s == '&') ++s;
+    while (s != end && *s && kavro::t_isalnum(*s)) ++s;
+    return s;
+}
+
+CBString ArgumentName(int i) {
+    CBString name;
+    name.format("&%d", i);
+    return name;
 }

@@ -1,4 +1,4 @@
-// Keyboard line input.
+// The line editor: keyboard line input.
 #pragma once
 
 // Reads one line into buffer (at most size - 1 characters): a stacked line if there is one,

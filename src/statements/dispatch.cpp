@@ -3,34 +3,40 @@
 #include <strings.h>
 
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
 #include "diagnostics.h"
-#include "expression.h"
 #include "kavro.h"
-#include "keyword.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
-// In table order; looked up by whole keyword, case ignored.
-const Statement aStatements[] = {
-    {"&BEGSTACK", ParseBegstack}, {"&BEGTYPE", ParseBegtype},   {"&BREAK", ParseBreak},     {"&CALL", ParseCall},
-    {"&CRT", ParseCrt},           {"&CONTINUE", ParseContinue}, {"&CONTROL", ParseControl}, {"&ELSEIF", ParseElseif},
-    {"&ELSE", ParseElse},         {"&END", ParseEnd},           {"&ENDIF", ParseIfend},     {"&ERROR", ParseError},
-    {"&ESC", ParseEsc},           {"&FOR", ParseFor},           {"&GOTO", ParseGoto},       {"&IF", ParseIf},
-    {"&IFEND", ParseIfend},       {"&LOOP", ParseLoop},         {"&MENU", ParseMenu},       {"&NEXT", ParseNext},
-    {"&QUIT", ParseQuit},         {"&READ", ParseRead},         {"&RETURN", ParseReturn},   {"&SHIFT", ParseShift},
-    {"&SKIP", ParseSkip},         {"&SLEEP", ParseSleep},       {"&SPACE", ParseSpace},     {"&STACK", ParseStack},
-    {"&TYPE", ParseType},         {"&UNTIL", ParseUntil},       {"&WAIT", ParseWait},       {"&WEND", ParseWend},
-    {"&WHILE", ParseWhile},       {nullptr, nullptr},
+using W = StatementWord;
+
+// In the order of the statement words.
+constexpr Statement aStatements[] = {
+    {W::Begstack, ParseBegstack}, {W::Begtype, ParseBegtype},   {W::Break, ParseBreak},     {W::Call, ParseCall},
+    {W::Crt, ParseCrt},           {W::Continue, ParseContinue}, {W::Control, ParseControl}, {W::Elseif, ParseElseif},
+    {W::Else, ParseElse},         {W::End, ParseEnd},           {W::Endif, ParseIfend},     {W::Error, ParseError},
+    {W::Esc, ParseEsc},           {W::For, ParseFor},           {W::Goto, ParseGoto},       {W::If, ParseIf},
+    {W::Ifend, ParseIfend},       {W::Loop, ParseLoop},         {W::Menu, ParseMenu},       {W::Next, ParseNext},
+    {W::Quit, ParseQuit},         {W::Read, ParseRead},         {W::Return, ParseReturn},   {W::Shift, ParseShift},
+    {W::Skip, ParseSkip},         {W::Sleep, ParseSleep},       {W::Space, ParseSpace},     {W::Stack, ParseStack},
+    {W::Type, ParseType},         {W::Until, ParseUntil},       {W::Wait, ParseWait},       {W::Wend, ParseWend},
+    {W::While, ParseWhile},
 };
-
-const Statement* GetStatement(const char* name) { return FindKeyword(aStatements, name); }
 
 namespace {
 
-int g_iNesting = 0;
+constexpr bool RowsInWordOrder() {
+    for (int i = 0; i < static_cast<int>(W::Count); ++i)
+        if (static_cast<int>(aStatements[i].eWord) != i) return false;
+    return sizeof aStatements / sizeof *aStatements == static_cast<size_t>(W::Count);
+}
+static_assert(RowsInWordOrder(), "one statement row per statement word, in order");
+
+int iNesting = 0;
 
 void TraceToken(Parser* p) {
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s\r", aszTokenTypes[p->eTokenType], p->sToken.data());
@@ -63,7 +69,7 @@ void RunCommandLine(Parser* p) {
     kavro::t_StackClear();
     if (status != 0 && !p->sOnError.empty()) {
         char* copy = strdup(p->sOnError);
-        if (!copy) MEMORY_ERROR(p, Src::Kvexec, At::ErrorCopy);
+        if (!copy) MEMORY_ERROR(Src::Kvexec, At::ErrorCopy);
         _Parse_Line(p, copy);
         free(copy);
     }
@@ -71,14 +77,13 @@ void RunCommandLine(Parser* p) {
 
 // A variable named first on the line: an assignment when "=" follows, else a command line.
 void VariableLine(Parser* p) {
-    Variable* v = GetVar(p, p->sToken);
+    Variable* v = GetVar(p->sToken);
     GetNextToken(p);
     if (p->eTokenType == TokenEqual) {
         GetNextToken(p);
         Evaluate(p, &v->value, false);
         return;
     }
-    GetVarValue(v->sName);
     RunCommandLine(p);
 }
 
@@ -86,20 +91,23 @@ bool IsWordStart(char c) { return kavro::t_isalpha(c) || c == '.' || c == '/' ||
 
 }  // namespace
 
-NestingGuard::NestingGuard(Parser* p) {
-    if (++g_iNesting > kMaxNesting) {
+const Statement* GetStatement(const char* name) {
+    int row = kStatementWords.Find(name);
+    return row < 0 ? nullptr : &aStatements[row];
+}
+
+NestingGuard::NestingGuard() {
+    if (++iNesting > kMaxNesting) {
         errno = ENOMEM;
-        MEMORY_ERROR(p, Src::Kvexec, At::AllocBuf);
+        MEMORY_ERROR(Src::Kvexec, At::AllocBuf);
     }
 }
 
-NestingGuard::~NestingGuard() { --g_iNesting; }
+NestingGuard::~NestingGuard() { --iNesting; }
 
-void _Parse_Line(Parser* p, char* line) {
-    NestingGuard guard(p);
+void _Parse_Line(Parser* p, const char* line) {
+    NestingGuard guard;
     p->bFirstToken = true;
-    p->bLineStart = true;
-    p->bLiteral = false;
 
     while (*line && isspace(static_cast<unsigned char>(*line))) ++line;
     if (*line == '\0' || *line == ';') return;
@@ -125,7 +133,7 @@ void _Parse_Line(Parser* p, char* line) {
                 ++p->pPos;
                 skip_spaces(p);
                 if (*p->pPos == '\0' || *p->pPos == ';') return;
-                SYNTAX_ERROR(p, Src::Kvexec, At::LabelTrailing);
+                SYNTAX_ERROR(Src::Kvexec, At::LabelTrailing);
             }
             if (alnum && *e == ';') {
                 SkipLine(p);
@@ -150,9 +158,7 @@ void _Parse_Line(Parser* p, char* line) {
         }
 
         if (c == '&') {
-            const char* e = s;
-            while (*e == '&') ++e;
-            while (*e && kavro::t_isalnum(*e)) ++e;
+            const char* e = ReferenceEnd(s);
             p->sToken.assign(s, static_cast<size_t>(e - s));
             p->pPos = e;
             p->bFirstToken = false;
@@ -162,7 +168,7 @@ void _Parse_Line(Parser* p, char* line) {
                 case TokenVar: VariableLine(p); continue;
                 case TokenStatement: GetStatement(p->sToken)->pHandler(p); continue;
                 case TokenEol: continue;
-                default: SYNTAX_ERROR(p, Src::Kvexec, At::AmpersandWord);
+                default: SYNTAX_ERROR(Src::Kvexec, At::AmpersandWord);
             }
         }
 
@@ -172,14 +178,8 @@ void _Parse_Line(Parser* p, char* line) {
             if (p->bDebug) kavro::TermPrintf("token type = %s|\r", aszTokenTypes[TokenEol]);
             return;
         }
-        SYNTAX_ERROR(p, Src::Kvexec, At::LineStart);
+        SYNTAX_ERROR(Src::Kvexec, At::LineStart);
     }
-}
-
-CBString ParseCommand(Parser* p, const char* text) {
-    CBString expanded = Expand(text);
-    SkipLine(p);
-    return expanded;
 }
 
 // &MENU does nothing: the scan position stays right after the keyword.

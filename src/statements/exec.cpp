@@ -1,13 +1,12 @@
-// Command execution and &QUIT.
+// Command execution, &ERROR and &QUIT.
 #include <cctype>
 #include <cerrno>
 #include <cmath>
-#include <cstdlib>
 
-#include "expression.h"
+#include "diagnostics.h"
 #include "kavro.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
 namespace {
 
@@ -33,14 +32,23 @@ void FoldCase(CBString& command) {
 int Exec(Parser* p, CBString& command) {
     FoldCase(command);
     if (p->bEcho) kavro::TermPrintf("\r%s\r", command.data());
-    if (p->bTrace && kavro::t_bStackShow) kavro::t_StackDump();
+    if (p->pScript->bTrace && kavro::t_bStackShow) kavro::t_StackDump();
     kavro::t_system(command);
     int status = errno;
     Variable* rc = FindVar("&retcode");
-    if (!rc) rc = AddVar(p, "&retcode");
+    if (!rc) rc = AddVar("&retcode");
     rc->value.eType = VarInteger;
     rc->value.iValue = Int16(status);
     return status;
+}
+
+// &ERROR line: registers a line to dispatch after every command that fails. It is kept as
+// written and expanded only when it runs.
+void ParseError(Parser* p) {
+    skip_spaces(p);
+    if (*p->pPos == '\0') SYNTAX_ERROR(Src::Kvexec, At::ErrorLine);
+    p->sOnError = p->pPos;
+    SkipLine(p);
 }
 
 void ParseQuit(Parser* p) {
@@ -48,21 +56,21 @@ void ParseQuit(Parser* p) {
     GetNextToken(p);
     if (p->eTokenType == TokenEol) {
         kavro::t_StackClear();
-        exit(0);
+        ExitRun(0);
     }
     Evaluate(p, &value, false);
     switch (value.eType) {
-        case VarInteger: kavro::t_StackClear(); exit(value.iValue);
+        case VarInteger: kavro::t_StackClear(); ExitRun(value.iValue);
         case VarFloat: {
             double d = std::trunc(value.dValue);
             int status = (d > -2147483648.0 && d < 2147483648.0) ? static_cast<int>(d) : 0;
             kavro::t_StackClear();
-            exit(status);
+            ExitRun(status);
         }
         case VarString:
             Exec(p, value.sValue);
             kavro::t_StackClear();
-            exit(0);
-        default: kavro::t_StackClear(); exit(0);
+            ExitRun(0);
+        default: kavro::t_StackClear(); ExitRun(0);
     }
 }

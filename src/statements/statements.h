@@ -1,22 +1,26 @@
 // The statement table and the statement handlers, each named for its keyword.
 #pragma once
 
-#include "types.h"
+#include "dispatch.h"
+#include "expression.h"
+#include "keywords.h"
+#include "script_reader.h"
 
+// A statement word bound to its handler.
 struct Statement {
-    const char* pszName;
+    StatementWord eWord;
     void (*pHandler)(Parser*);
 };
 
 extern const Statement aStatements[];
+// The statement named by text (case ignored), or null.
 const Statement* GetStatement(const char* name);
 
 // dispatch.cpp
 void ParseMenu(Parser* p);
 void ParseWait(Parser* p);
-// diagnostics.cpp
-void ParseError(Parser* p);
 // exec.cpp
+void ParseError(Parser* p);
 void ParseQuit(Parser* p);
 // conditionals.cpp
 void ParseIf(Parser* p);
@@ -24,7 +28,7 @@ void ParseElseif(Parser* p);
 void ParseElse(Parser* p);
 void ParseIfend(Parser* p);
 void _DiscardFullIfBlock(Parser* p);
-char* _DiscardIfBlock(Parser* p);
+const char* _DiscardIfBlock(Parser* p);
 CBString _DiscardElseIfBlock(Parser* p);
 void _DiscardElseBlock(Parser* p);
 // loops.cpp
@@ -36,7 +40,7 @@ void ParseWend(Parser* p);
 void ParseLoop(Parser* p);
 void ParseBreak(Parser* p);
 void ParseContinue(Parser* p);
-void _Restart_Loop(Parser* p, char* buffer, unsigned long size);
+void _Restart_Loop(Parser* p);
 void _DiscardBlock(Parser* p, const char* keyword);
 // jumps.cpp
 void ParseGoto(Parser* p);

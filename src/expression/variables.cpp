@@ -7,32 +7,34 @@
 #include <memory>
 #include <vector>
 
-#include "diagnostics.h"
-#include "kvexec.h"
+#include "variables.h"
 
+#include "diagnostics.h"
+
+int iArgs = 0;
 uint32_t uiMaxVars = 0;
 uint32_t uiVars = 0;
 
 namespace {
 
 constexpr uint32_t kGrowth = 128;
-std::vector<std::unique_ptr<Variable[]>> g_aBlocks;
+std::vector<std::unique_ptr<Variable[]>> aVarBlocks;
 
 void Grow() {
-    g_aBlocks.emplace_back(new Variable[kGrowth]);
+    aVarBlocks.emplace_back(new Variable[kGrowth]);
     uiMaxVars += kGrowth;
 }
 
 }  // namespace
 
 void InitVariables() {
-    g_aBlocks.clear();
+    aVarBlocks.clear();
     uiMaxVars = 0;
     uiVars = 0;
     Grow();
 }
 
-Variable* VarAt(uint32_t index) { return &g_aBlocks[index / kGrowth][index % kGrowth]; }
+Variable* VarAt(uint32_t index) { return &aVarBlocks[index / kGrowth][index % kGrowth]; }
 
 Variable* FindVar(const char* name) {
     for (uint32_t i = 0; i < uiVars; ++i) {
@@ -42,7 +44,7 @@ Variable* FindVar(const char* name) {
     return nullptr;
 }
 
-Variable* AddVar(Parser* /*p*/, const char* name) {
+Variable* AddVar(const char* name) {
     if (Variable* v = FindVar(name)) return v;
     if (uiVars >= uiMaxVars) Grow();
     Variable* v = VarAt(uiVars++);
@@ -51,7 +53,7 @@ Variable* AddVar(Parser* /*p*/, const char* name) {
     return v;
 }
 
-Variable* GetVar(Parser* p, const CBString& name) {
+Variable* GetVar(const CBString& name) {
     // A name holding a reference after its first character would be reduced to the referenced
     // value; the search starts before the name, so it never finds one, and the name is used as
     // given without a copy.
@@ -59,28 +61,26 @@ Variable* GetVar(Parser* p, const CBString& name) {
         CBString reduced = name;
         int pos;
         while ((pos = reduced.reversefindchr('&', -1)) >= 1) reduced = SubstVarValue(reduced, pos);
-        return GetVar(p, reduced);
+        return GetVar(reduced);
     }
     if (Variable* v = FindVar(name)) return v;
-    return AddVar(p, name);
+    return AddVar(name);
 }
 
-Variable* GetVar(Parser* p, const char* name) { return GetVar(p, CBString(name)); }
-
-void SetIntegerVar(Parser* p, const char* name, int value) {
-    Variable* v = AddVar(p, name);
+void SetIntegerVar(const char* name, int value) {
+    Variable* v = AddVar(name);
     v->value.eType = VarInteger;
     v->value.iValue = Int16(value);
 }
 
-void SetDoubleVar(Parser* p, const char* name, double value) {
-    Variable* v = AddVar(p, name);
+void SetDoubleVar(const char* name, double value) {
+    Variable* v = AddVar(name);
     v->value.eType = VarFloat;
     v->value.dValue = value;
 }
 
-void SetStringVar(Parser* p, const char* name, const char* value) {
-    Variable* v = AddVar(p, name);
+void SetStringVar(const char* name, const char* value) {
+    Variable* v = AddVar(name);
     v->value.eType = VarString;
     v->value.sValue = value;
 }
@@ -100,7 +100,7 @@ void GetValue(Parser* p, Const* out) {
             out->sValue = p->sToken;
             break;
         case TokenVar: {
-            Variable* v = GetVar(p, p->sToken);
+            Variable* v = GetVar(p->sToken);
             if (v->value.eType == VarUndef) {
                 out->eType = VarString;
                 out->sValue.clear();
@@ -109,6 +109,6 @@ void GetValue(Parser* p, Const* out) {
             }
             break;
         }
-        default: SYNTAX_ERROR(p, Src::Kvexec, At::GetValueOperand);
+        default: SYNTAX_ERROR(Src::Kvexec, At::GetValueOperand);
     }
 }

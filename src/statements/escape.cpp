@@ -3,17 +3,16 @@
 
 #include "diagnostics.h"
 #include "kavro.h"
-#include "kvexec.h"
 #include "statements.h"
+#include "variables.h"
 
 void ParseEsc(Parser* p) {
     GetNextToken(p);
     CBString channel = Expand(p->sToken);
     if (strcasecmp(channel, "O") != 0 && strcasecmp(channel, "P") != 0 && strcasecmp(channel, "W") != 0)
-        SYNTAX_ERROR(p, Src::Kvexec, At::EscChannel);
+        SYNTAX_ERROR(Src::Kvexec, At::EscChannel);
     GetNextToken(p);
     p->sToken = Expand(p->sToken);
-    if (strcasecmp(p->sToken, "ON") != 0 && strcasecmp(p->sToken, "OFF") != 0)
-        SYNTAX_ERROR(p, Src::Kvexec, At::EscSwitch);
+    if (strcasecmp(p->sToken, "ON") != 0 && strcasecmp(p->sToken, "OFF") != 0) SYNTAX_ERROR(Src::Kvexec, At::EscSwitch);
     p->pPos = kavro::strend(p->pPos);
 }

@@ -1,8 +1,5 @@
 // Variable substitution: references replaced by their values, and the line expansion.
-#include <cctype>
-#include <cstdio>
-
-#include "kvexec.h"
+#include "variables.h"
 
 CBString SubstVarValue(CBString text, int position) {
     Variable* v = FindVar(text.data() + position);
@@ -39,8 +36,6 @@ CBString GetVarValue(CBString reference) {
     return reference;
 }
 
-CBString GetVarValue(const char* reference) { return GetVarValue(CBString(reference)); }
-
 CBString Expand(const char* text) {
     CBString out;
     bool quoted = false;
@@ -63,15 +58,13 @@ CBString Expand(const char* text) {
         while (*s == '&') ++s;
         if (*s == '*') {
             ++s;
-            char name[16];
             for (int i = 1; i < iArgs; ++i) {
-                snprintf(name, sizeof name, "&%d", i);
                 out += " ";
-                out += GetVarValue(name);
+                out += GetVarValue(ArgumentName(i));
             }
             continue;
         }
-        while (*s && isalnum(static_cast<unsigned char>(*s))) ++s;
+        s = ReferenceEnd(s);
         out += GetVarValue(CBString(start, static_cast<size_t>(s - start)));
     }
     return out;

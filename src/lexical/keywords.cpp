@@ -1,0 +1,92 @@
+// The word tables and their lookups.
+#include "keywords.h"
+
+#include <strings.h>
+
+#include <cstring>
+
+KeywordTable::KeywordTable(const char* const* names) {
+    for (const char* const* n = names; *n; ++n) {
+        size_t len = strlen(*n);
+        if (aRowsByLength.size() <= len) aRowsByLength.resize(len + 1);
+        aRowsByLength[len].push_back(static_cast<int>(apszNames.size()));
+        apszNames.push_back(*n);
+    }
+}
+
+int KeywordTable::Find(const char* text) const {
+    size_t len = strlen(text);
+    if (len >= aRowsByLength.size()) return -1;
+    for (int row : aRowsByLength[len])
+        if (strcasecmp(apszNames[static_cast<size_t>(row)], text) == 0) return row;
+    return -1;
+}
+
+namespace {
+
+const char* const aszStatementNames[] = {
+    "&BEGSTACK", "&BEGTYPE", "&BREAK", "&CALL", "&CRT",    "&CONTINUE", "&CONTROL", "&ELSEIF", "&ELSE",
+    "&END",      "&ENDIF",   "&ERROR", "&ESC",  "&FOR",    "&GOTO",     "&IF",      "&IFEND",  "&LOOP",
+    "&MENU",     "&NEXT",    "&QUIT",  "&READ", "&RETURN", "&SHIFT",    "&SKIP",    "&SLEEP",  "&SPACE",
+    "&STACK",    "&TYPE",    "&UNTIL", "&WAIT", "&WEND",   "&WHILE",    nullptr,
+};
+static_assert(sizeof aszStatementNames / sizeof *aszStatementNames == static_cast<size_t>(StatementWord::Count) + 1,
+              "one name per statement word");
+
+const char* const aszFunctionNames[] = {
+    "&CAT", "&ENV", "&EXIST", "&FILESIZE", "&INDEX", "&LEN", "&LIT", "&SUB", "&TYP", "&SYSTEM", nullptr,
+};
+static_assert(sizeof aszFunctionNames / sizeof *aszFunctionNames == static_cast<size_t>(FunctionWord::Count) + 1,
+              "one name per function word");
+
+}  // namespace
+
+const KeywordTable kStatementWords(aszStatementNames);
+const KeywordTable kFunctionWords(aszFunctionNames);
+
+const Comparator aComparators[] = {
+    {"=", CompEqual}, {"==", CompEqual},        {"<>", CompNotEqual},  {"!=", CompNotEqual}, {">", CompGreater},
+    {"<", CompLess},  {">=", CompGreaterEqual}, {"<=", CompLessEqual}, {nullptr, CompNone},
+};
+
+const Comparator* GetComparator(const char* text) {
+    // Comparators have no letters, so the exact comparison is the case-free one.
+    for (const Comparator* c = aComparators; c->pszName; ++c)
+        if (strcmp(c->pszName, text) == 0) return c;
+    return nullptr;
+}
+
+const char* GetOperator(const char* text) {
+    if (!text[0] || text[1]) return nullptr;
+    return strchr("+-*/&|^", text[0]);
+}
+
+const char* GetLogical(const char* text) {
+    if (!text[0] || text[1]) return nullptr;
+    return strchr("&|^%", text[0]);
+}
+
+const char* const aszSystemWords[] = {
+    "ACCOUNT", "CWD",  "DATE", "DAY",   "FTIME", "PID",   "PORT",    "PRIV",  "SERIAL",
+    "TASKS",   "TIME", "TOD",  "TODAY", "UID",   "USERS", "WEEKDAY", nullptr,
+};
+static_assert(sizeof aszSystemWords / sizeof *aszSystemWords == static_cast<size_t>(SystemWord::Count) + 1,
+              "one name per &SYSTEM keyword");
+
+int FindSystemWord(const char* text) {
+    for (int i = 0; aszSystemWords[i]; ++i)
+        if (strcmp(aszSystemWords[i], text) == 0) return i;
+    return -1;
+}
+
+const char* const aszControlWords[] = {
+    "AUTOCR", "CASE", "NOSTACK", "NOTRACE", "OFF", "ON", "PROMPT", "STACK", "TRACE", "DEBUG", "NODEBUG", nullptr,
+};
+static_assert(sizeof aszControlWords / sizeof *aszControlWords == static_cast<size_t>(ControlWord::Count) + 1,
+              "one name per &CONTROL option");
+
+int FindControlWord(const char* text) {
+    for (int i = 0; aszControlWords[i]; ++i)
+        if (strcasecmp(aszControlWords[i], text) == 0) return i;
+    return -1;
+}

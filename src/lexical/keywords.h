@@ -1,0 +1,114 @@
+// The language's words, by name only: statement words, function words, comparators, operator and
+// logical characters, and the words of &SYSTEM and &CONTROL. Nothing here knows a handler: the
+// layers above bind handlers to these words by their position.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "kvtypes.h"
+
+// A table of names looked up as whole words, case ignored (strcasecmp), first match in table order.
+// Each table keeps its own rows grouped by length, so only names of the text's length are compared.
+class KeywordTable {
+public:
+    // names: the rows in table order, ended by a null.
+    explicit KeywordTable(const char* const* names);
+    // The row of the first name equal to text, or -1.
+    int Find(const char* text) const;
+    const char* Name(int row) const { return apszNames[static_cast<size_t>(row)]; }
+    int Size() const { return static_cast<int>(apszNames.size()); }
+
+private:
+    std::vector<const char*> apszNames;
+    std::vector<std::vector<int>> aRowsByLength;  // rows, in table order, by name length
+};
+
+// ---- Statement words, in table order ------------------------------------------------------
+
+enum class StatementWord : int {
+    Begstack,
+    Begtype,
+    Break,
+    Call,
+    Crt,
+    Continue,
+    Control,
+    Elseif,
+    Else,
+    End,
+    Endif,
+    Error,
+    Esc,
+    For,
+    Goto,
+    If,
+    Ifend,
+    Loop,
+    Menu,
+    Next,
+    Quit,
+    Read,
+    Return,
+    Shift,
+    Skip,
+    Sleep,
+    Space,
+    Stack,
+    Type,
+    Until,
+    Wait,
+    Wend,
+    While,
+    Count,
+};
+extern const KeywordTable kStatementWords;
+
+// ---- Function words, in table order: alphabetical, except that &SYSTEM comes last --------
+
+enum class FunctionWord : int { Cat, Env, Exist, Filesize, Index, Len, Lit, Sub, Typ, System, Count };
+extern const KeywordTable kFunctionWords;
+
+// ---- Comparators --------------------------------------------------------------------------
+
+struct Comparator {
+    const char* pszName;
+    CompType eType;
+};
+// In the order they are compared: "=" "==" "<>" "!=" ">" "<" ">=" "<=".
+extern const Comparator aComparators[];
+const Comparator* GetComparator(const char* text);
+// Non-null when the text is one character of "+-*/&|^" (operators) or of "&|^%" (logical).
+const char* GetOperator(const char* text);
+const char* GetLogical(const char* text);
+
+// ---- &SYSTEM keywords, compared exactly after upper-casing ---------------------------------
+
+enum class SystemWord : int {
+    Account,
+    Cwd,
+    Date,
+    Day,
+    Ftime,
+    Pid,
+    Port,
+    Priv,
+    Serial,
+    Tasks,
+    Time,
+    Tod,
+    Today,
+    Uid,
+    Users,
+    Weekday,
+    Count,
+};
+extern const char* const aszSystemWords[];
+// The keyword spelled exactly as text (already upper-cased by the caller), or -1.
+int FindSystemWord(const char* text);
+
+// ---- &CONTROL options, case ignored, in the order they are compared ----------------------
+
+enum class ControlWord : int { Autocr, Case, NoStack, NoTrace, Off, On, Prompt, Stack, Trace, Debug, NoDebug, Count };
+extern const char* const aszControlWords[];
+int FindControlWord(const char* text);

@@ -1,0 +1,67 @@
+// The tokenizer: cuts the next token of the current line at the scan position and classifies it,
+// and the small word helpers that read script lines.
+#pragma once
+
+#include <cstdint>
+
+#include "cbstring.h"
+
+// Token kinds, in the order their printed names appear in aszTokenTypes.
+enum TokenType : int32_t {
+    NotAToken,
+    TokenStatement,
+    TokenFunction,
+    TokenInteger,
+    TokenFloat,
+    TokenString,
+    TokenSemiColon,
+    TokenBeginGroup,
+    TokenEndGroup,
+    TokenBeginIndex,
+    TokenEndIndex,
+    TokenEqual,
+    TokenComma,
+    TokenBackslash,
+    TokenLabel,
+    TokenEol,
+    TokenLogical,
+    TokenOperator,
+    TokenComparator,
+    TokenVar,
+    TokenUndef,
+    TokenSpace,
+    TokenCommand,
+    TokenBadString,
+    TokenBadNumber,
+};
+
+extern const char* const aszTokenTypes[];
+
+// The scan of the line being dispatched: the line, the position in it and the current token.
+struct TokenScan {
+    TokenType eTokenType = NotAToken;
+    CBString sToken;
+    CBString sLine;  // the line being dispatched, from its first non-blank character
+    const char* pPos = nullptr;
+    bool bDebug = false;       // &CONTROL DEBUG: print every token read
+    bool bFirstToken = false;  // set at the start of a line until its first token is classified
+};
+
+bool GetNextToken(TokenScan* p);
+TokenType GetTokenType(TokenScan* p);
+void skip_spaces(TokenScan* p);
+// Moves the scan position to the end of the current line, so nothing more of it is interpreted.
+void SkipLine(TokenScan* p);
+bool IsConst(const TokenType& t);
+int Second(const char* hms);
+CBString ExtractFirstWord(const char* text);
+// Whether the first word of a line (up to white space) is keyword, case ignored.
+bool FirstWordIs(const char* line, const char* keyword);
+
+// ---- Variable references ------------------------------------------------------------------
+
+// The end of the reference that starts at s: every "&", then every alphanumeric character
+// (t_isalnum). With an end, the scan stops there as well.
+const char* ReferenceEnd(const char* s, const char* end = nullptr);
+// The name of positional argument i: "&0", "&1", …
+CBString ArgumentName(int i);
