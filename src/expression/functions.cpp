@@ -15,16 +15,7 @@ constexpr Function aFunctions[] = {
     {FunctionWord::Typ, 10, ParseTyp, 1, 1},    {FunctionWord::System, 11, ParseSystem, 1, 3},
 };
 
-namespace {
-
-constexpr bool RowsInWordOrder() {
-    for (int i = 0; i < static_cast<int>(FunctionWord::Count); ++i)
-        if (static_cast<int>(aFunctions[i].eWord) != i) return false;
-    return sizeof aFunctions / sizeof *aFunctions == static_cast<size_t>(FunctionWord::Count);
-}
-static_assert(RowsInWordOrder(), "one function row per function word, in order");
-
-}  // namespace
+static_assert(RowsInWordOrder<FunctionWord>(aFunctions), "one function row per function word, in order");
 
 // A name with "$" appended is never tried: no function word carries one.
 const Function* GetFunction(const char* name) {

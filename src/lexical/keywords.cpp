@@ -73,11 +73,18 @@ const char* const aszSystemWords[] = {
 static_assert(sizeof aszSystemWords / sizeof *aszSystemWords == static_cast<size_t>(SystemWord::Count) + 1,
               "one name per &SYSTEM keyword");
 
-int FindSystemWord(const char* text) {
-    for (int i = 0; aszSystemWords[i]; ++i)
-        if (strcmp(aszSystemWords[i], text) == 0) return i;
+namespace {
+
+// The first row of names (ended by a null) that compare equal to text, or -1.
+int FindWord(const char* const* names, const char* text, int (*compare)(const char*, const char*)) {
+    for (int i = 0; names[i]; ++i)
+        if (compare(names[i], text) == 0) return i;
     return -1;
 }
+
+}  // namespace
+
+int FindSystemWord(const char* text) { return FindWord(aszSystemWords, text, strcmp); }
 
 const char* const aszControlWords[] = {
     "AUTOCR", "CASE", "NOSTACK", "NOTRACE", "OFF", "ON", "PROMPT", "STACK", "TRACE", "DEBUG", "NODEBUG", nullptr,
@@ -85,8 +92,4 @@ const char* const aszControlWords[] = {
 static_assert(sizeof aszControlWords / sizeof *aszControlWords == static_cast<size_t>(ControlWord::Count) + 1,
               "one name per &CONTROL option");
 
-int FindControlWord(const char* text) {
-    for (int i = 0; aszControlWords[i]; ++i)
-        if (strcasecmp(aszControlWords[i], text) == 0) return i;
-    return -1;
-}
+int FindControlWord(const char* text) { return FindWord(aszControlWords, text, strcasecmp); }

@@ -24,6 +24,14 @@ private:
     std::vector<std::vector<int>> aRowsByLength;  // rows, in table order, by name length
 };
 
+// Whether a table binding handlers to words has one row per word, in the words' order.
+template <typename Word, typename Row, size_t N>
+constexpr bool RowsInWordOrder(const Row (&rows)[N]) {
+    for (size_t i = 0; i < N; ++i)
+        if (static_cast<size_t>(rows[i].eWord) != i) return false;
+    return N == static_cast<size_t>(Word::Count);
+}
+
 // ---- Statement words, in table order ------------------------------------------------------
 
 enum class StatementWord : int {

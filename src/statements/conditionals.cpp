@@ -33,6 +33,14 @@ const char* RunBranch(Parser* p, std::initializer_list<const char*> stops) {
     return p->pScript->ReadUntil(stops, [p](const char* line) { _Parse_Line(p, line); });
 }
 
+// &ELSEIF and &ELSE take the block over from the &IF or &ELSEIF before them.
+void TakeOver(Parser* p, BlockType kind, int detectedAt) {
+    BlockType top = GetBlockType();
+    if (top != BlockIf && top != BlockElseIf) NO_PENDING(Src::Kvexec, detectedAt, "&IF or &ELSEIF");
+    PopBlock();
+    PushBlock(kind, VarUndef, static_cast<unsigned>(p->pScript->iLine), 0);
+}
+
 }  // namespace
 
 // A skipped nested conditional ends only at "&IFEND": one closed with "&ENDIF" makes the skip run
@@ -102,10 +110,7 @@ void ParseIf(Parser* p) {
 }
 
 void ParseElseif(Parser* p) {
-    BlockType top = GetBlockType();
-    if (top != BlockIf && top != BlockElseIf) NO_PENDING(Src::Kvexec, At::ElseifPending, "&IF or &ELSEIF");
-    PopBlock();
-    PushBlock(BlockElseIf, VarUndef, static_cast<unsigned>(p->pScript->iLine), 0);
+    TakeOver(p, BlockElseIf, At::ElseifPending);
     GetNextToken(p);
     if (p->eTokenType == TokenEol) SYNTAX_ERROR(Src::Kvexec, At::ElseifCondition);
     bool taken = Condition(p);
@@ -135,10 +140,7 @@ void ParseElseif(Parser* p) {
 // An &ELSE branch ends only at "&IFEND": an "&ENDIF" inside it is dispatched, accepted without
 // popping, and the branch goes on.
 void ParseElse(Parser* p) {
-    BlockType top = GetBlockType();
-    if (top != BlockIf && top != BlockElseIf) NO_PENDING(Src::Kvexec, At::ElsePending, "&IF or &ELSEIF");
-    PopBlock();
-    PushBlock(BlockElse, VarUndef, static_cast<unsigned>(p->pScript->iLine), 0);
+    TakeOver(p, BlockElse, At::ElsePending);
     if (RunBranch(p, {"&IFEND"})) PopBlock();
     SkipLine(p);
 }

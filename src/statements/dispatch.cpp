@@ -29,12 +29,7 @@ constexpr Statement aStatements[] = {
 
 namespace {
 
-constexpr bool RowsInWordOrder() {
-    for (int i = 0; i < static_cast<int>(W::Count); ++i)
-        if (static_cast<int>(aStatements[i].eWord) != i) return false;
-    return sizeof aStatements / sizeof *aStatements == static_cast<size_t>(W::Count);
-}
-static_assert(RowsInWordOrder(), "one statement row per statement word, in order");
+static_assert(RowsInWordOrder<W>(aStatements), "one statement row per statement word, in order");
 
 int iNesting = 0;
 
@@ -184,6 +179,14 @@ void _Parse_Line(Parser* p, const char* line) {
 
 // &MENU does nothing: the scan position stays right after the keyword.
 void ParseMenu(Parser* /*p*/) {}
+
+int CountArgument(Parser* p) {
+    GetNextToken(p);
+    Const count;
+    Evaluate(p, &count, false);
+    ToInteger(&count);
+    return count.iValue;
+}
 
 void ParseWait(Parser* p) {
     kavro::pagewait();

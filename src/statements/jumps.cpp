@@ -50,11 +50,8 @@ void ParseReturn(Parser* p) {
 }
 
 void ParseSkip(Parser* p) {
-    GetNextToken(p);
-    Const count;
-    Evaluate(p, &count, false);
-    ToInteger(&count);
-    for (int i = 0; i < count.iValue; ++i) p->pScript->GetLine();
+    int count = CountArgument(p);
+    for (int i = 0; i < count; ++i) p->pScript->GetLine();
     SkipLine(p);
 }
 

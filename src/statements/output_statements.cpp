@@ -89,11 +89,8 @@ void ParseStack(Parser* p) {
 }
 
 void ParseSpace(Parser* p) {
-    GetNextToken(p);
-    Const n;
-    Evaluate(p, &n, false);
-    ToInteger(&n);
-    for (int i = 0; i < n.iValue; ++i) kavro::TermWrite("\r");
+    int count = CountArgument(p);
+    for (int i = 0; i < count; ++i) kavro::TermWrite("\r");
     SkipLine(p);
 }
 

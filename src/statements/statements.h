@@ -17,6 +17,8 @@ extern const Statement aStatements[];
 const Statement* GetStatement(const char* name);
 
 // dispatch.cpp
+// The count argument of &SKIP and &SPACE: one expression, as a 16-bit integer.
+int CountArgument(Parser* p);
 void ParseMenu(Parser* p);
 void ParseWait(Parser* p);
 // exec.cpp
