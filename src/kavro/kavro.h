@@ -26,6 +26,9 @@ struct KavroEnv {
 };
 
 extern KavroEnv* Kavro;
+// Counts the times other programs may have run while the interpreter waited: a command, a sleep,
+// input. What the interpreter read of its files before then may be out of date.
+extern unsigned uiOutsideTurns;
 extern std::vector<CBString> t_asCmdargs;
 
 // Prepares the session: fills t_asCmdargs with argv[0..argc-1] (the script path first) and the

@@ -145,6 +145,7 @@ int TermSetCursor(int shape) {
 int TermGetUnicode() {
     TermFlush();
     int c = ReadByte(-1);
+    ++uiOutsideTurns;
     if (c == 0x1b && g_bRaw) {
         int next = ReadByte(30);
         if (next < 0) return 0x1b;
@@ -183,6 +184,7 @@ void pagewait() {
     TermFlush();
     EnterRaw();
     ReadByte(-1);
+    ++uiOutsideTurns;
     LeaveRaw();
     if (show) {
         // Take the prompt away again: back to the line start, erase to its end.

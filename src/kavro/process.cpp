@@ -92,6 +92,7 @@ int t_system(const char* command) {
     posix_spawnattr_destroy(&attr);
     posix_spawn_file_actions_destroy(&actions);
     if (input >= 0) close(input);
+    ++uiOutsideTurns;
     errno = status;
     return status;
 }

@@ -8,6 +8,8 @@
 
 namespace kavro {
 
+unsigned uiOutsideTurns = 0;
+
 namespace {
 KavroEnv g_env;
 

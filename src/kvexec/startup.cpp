@@ -98,7 +98,9 @@ int RunMain(int argc, char** argv) {
     tzset();
 
     static ScriptReader script;
-    if (!script.Open(argv[1])) {
+    // KVEXEC_PLAIN turns off what the reader keeps of the script and reuses.
+    const char* plain = getenv("KVEXEC_PLAIN");
+    if (!script.Open(argv[1], !(plain && *plain))) {
         int e = errno;
         perror(argv[1]);
         exit(e);

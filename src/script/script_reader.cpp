@@ -1,55 +1,399 @@
-// Reading the script line by line.
+// Reading the script line by line, in blocks as a buffered file reads it, and keeping what was
+// read while the file stays as it was.
 #include "script_reader.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
 
 #include "kavro.h"
 
-bool ScriptReader::Open(const char* path) {
+namespace {
+
+// A file changed this recently may change again within the same tick of the clock that stamps
+// it, leaving its times as they were: what is read of it is not kept until it has been still
+// for this long.
+constexpr long long kSettleNs = 20'000'000;
+// While nothing else ran, the file is checked again no more often than this.
+constexpr long long kRecheckNs = 100'000;
+
+long long Nanoseconds(clockid_t clock) {
+    struct timespec t;
+    clock_gettime(clock, &t);
+    return static_cast<long long>(t.tv_sec) * 1'000'000'000LL + t.tv_nsec;
+}
+
+long long Nanoseconds(const struct timespec& t) {
+    return static_cast<long long>(t.tv_sec) * 1'000'000'000LL + t.tv_nsec;
+}
+
+bool SameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           Nanoseconds(a.st_mtim) == Nanoseconds(b.st_mtim) && Nanoseconds(a.st_ctim) == Nanoseconds(b.st_ctim);
+}
+
+// The first word of a line folded as a case-ignoring comparison folds it.
+std::string FoldedFirstWord(const char* line) {
+    std::string word;
+    for (const char* s = line; *s && !isspace(static_cast<unsigned char>(*s)); ++s)
+        word += static_cast<char>(tolower(static_cast<unsigned char>(*s)));
+    return word;
+}
+
+}  // namespace
+
+bool ScriptReader::Open(const char* path, bool keep) {
     Close();
-    pFile = fopen(path, "re");
-    lOffset = 0;
-    return pFile != nullptr;
+    sPath = path;
+    iFd = open(path, O_RDONLY | O_CLOEXEC);
+    if (iFd < 0) return false;
+    struct stat st;
+    if (fstat(iFd, &st) == 0 && S_ISDIR(st.st_mode)) {
+        Close();
+        errno = EISDIR;
+        return false;
+    }
+    bMemory = fstat(iFd, &st) != 0 || !S_ISREG(st.st_mode);
+    bKeep = keep;
+    pOwnBlock.reset(new char[kBlockSize]);
+    pBlock = pOwnBlock.get();
+    lBlockStart = lBlockLength = 0;
+    lOffset = lLinePos = 0;
+    bEof = false;
+    bBlockKept = false;
+    return true;
 }
 
 void ScriptReader::Close() {
-    if (pFile) fclose(pFile);
-    pFile = nullptr;
+    if (iFd >= 0) close(iFd);
+    iFd = -1;
+    Forget();
+    aSegments.clear();
+    lMemoryEnd = 0;
+    bMemoryDone = false;
+    bTrusted = false;
+}
+
+void ScriptReader::ReadFailed() {
+    int e = errno;
+    kavro::TermFlush();
+    perror(sPath.c_str());
+    exit(e);
+}
+
+// An unrepositionable script: the segment that holds start, reading more when start is the end
+// of what was read so far. Each read takes what is there, as a buffered file's would.
+void ScriptReader::ReadMemory(long start, const char** data, long* length) {
+    if (start >= lMemoryEnd && !bMemoryDone) {
+        std::unique_ptr<char[]> chunk(new char[kBlockSize]);
+        ssize_t n;
+        do {
+            n = read(iFd, chunk.get(), kBlockSize);
+        } while (n < 0 && errno == EINTR);
+        if (n < 0) ReadFailed();
+        if (n == 0)
+            bMemoryDone = true;
+        else {
+            aSegments.push_back(Segment{lMemoryEnd, static_cast<long>(n), std::move(chunk)});
+            lMemoryEnd += n;
+        }
+    }
+    *data = nullptr;
+    *length = 0;
+    auto it = std::upper_bound(aSegments.begin(), aSegments.end(), start,
+                               [](long offset, const Segment& s) { return offset < s.lStart; });
+    if (it == aSegments.begin()) return;
+    --it;
+    if (start >= it->lStart + it->lLength) return;
+    *data = it->pData.get() + (start - it->lStart);
+    *length = it->lLength - (start - it->lStart);
+}
+
+// The block that starts at start, read now or, while the file is unchanged, as it was kept.
+void ScriptReader::ReadBlock(long start, const char** data, long* length, bool* kept) {
+    if (bMemory) {
+        ReadMemory(start, data, length);
+        *kept = bKeep;
+        return;
+    }
+    *kept = false;
+    char* to = pOwnBlock.get();
+    bool keep = Unchanged();
+    if (keep) {
+        auto it = aBlocks.find(start);
+        if (it != aBlocks.end()) {
+            *data = it->second.pData.get();
+            *length = it->second.lLength;
+            *kept = true;
+            return;
+        }
+    }
+    // A block is kept when it is read a second time: a script read straight through keeps nothing.
+    if (keep && aReadOnce.insert(start).second) keep = false;
+    std::unique_ptr<char[]> fresh;
+    if (keep) {
+        fresh.reset(new char[kBlockSize]);
+        to = fresh.get();
+    }
+    ssize_t n;
+    do {
+        n = pread(iFd, to, kBlockSize, start);
+    } while (n < 0 && errno == EINTR);
+    if (n < 0) ReadFailed();
+    *data = to;
+    *length = n;
+    if (keep) {
+        aBlocks[start] = KeptBlock{std::move(fresh), static_cast<long>(n)};
+        *kept = true;
+    }
+}
+
+bool ScriptReader::Refill(long start) {
+    const char* data;
+    long length;
+    bool kept;
+    ReadBlock(start, &data, &length, &kept);
+    if (length == 0) {
+        bEof = true;
+        return false;
+    }
+    pBlock = data;
+    lBlockStart = start;
+    lBlockLength = length;
+    bBlockKept = kept;
+    return true;
 }
 
 void ScriptReader::Seek(long offset) {
-    fseek(pFile, offset, SEEK_SET);
-    lOffset = ftell(pFile);
+    // As fseek does: a negative offset fails and changes nothing.
+    if (offset < 0) return;
+    long start = bMemory ? offset : offset & ~(kBlockSize - 1);
+    const char* data;
+    long length;
+    bool kept;
+    ReadBlock(start, &data, &length, &kept);
+    if (offset < start + length) {
+        pBlock = data;
+        lBlockStart = start;
+        lBlockLength = length;
+        bBlockKept = kept;
+    } else {
+        lBlockStart = offset;
+        lBlockLength = 0;
+        bBlockKept = false;
+    }
+    lOffset = offset;
+    bEof = false;
 }
 
-void ScriptReader::Rewind() {
-    rewind(pFile);
-    lOffset = 0;
+bool ScriptReader::Unchanged() {
+    if (!bKeep) return false;
+    if (bMemory || bHold) return bMemory || bTrusted;
+    long long now = Nanoseconds(CLOCK_MONOTONIC);
+    if (bTrusted && uiCheckedTurns == kavro::uiOutsideTurns && now - llCheckedNs < kRecheckNs) return true;
+    struct stat st;
+    if (fstat(iFd, &st) != 0) {
+        Forget();
+        bTrusted = false;
+        return false;
+    }
+    if (!bTrusted || !SameFile(st, stSeen)) {
+        Forget();
+        stSeen = st;
+        long long settled = Nanoseconds(CLOCK_REALTIME) - kSettleNs;
+        bTrusted = Nanoseconds(st.st_mtim) < settled && Nanoseconds(st.st_ctim) < settled;
+    }
+    llCheckedNs = now;
+    uiCheckedTurns = kavro::uiOutsideTurns;
+    return bTrusted;
+}
+
+void ScriptReader::Forget() {
+    if (bBlockKept && pOwnBlock) {
+        // The block held stays as it was read.
+        memcpy(pOwnBlock.get(), pBlock, static_cast<size_t>(lBlockLength));
+        pBlock = pOwnBlock.get();
+        bBlockKept = false;
+    }
+    if (pszLine != szLine) {
+        snprintf(szLine, sizeof szLine, "%s", pszLine);
+        pszLine = szLine;
+    }
+    aReadOnce.clear();
+    aBlocks.clear();
+    aLines.clear();
+    bIndexed = false;
+    aOrder.clear();
+    aLabels.clear();
+}
+
+const char* ScriptReader::Count(const char* text) {
+    // Past 2^31 lines the counter wraps to negative numbers instead of overflowing.
+    iLine = static_cast<int>(static_cast<unsigned>(iLine) + 1u);
+    pszLine = text;
+    if (bTrace) kavro::TermPrintf("<%d: %s>\r", iLine, text);
+    return text;
+}
+
+// As fgets does: at most kLineSize - 1 characters, up to and including a line feed.
+const char* ScriptReader::Assemble() {
+    long start = lOffset;
+    bool oneKeptBlock = bBlockKept;
+    unsigned long n = 0;
+    while (n + 1 < kLineSize) {
+        if (lOffset >= lBlockStart + lBlockLength) {
+            if (!Refill(lBlockStart + lBlockLength)) break;
+            oneKeptBlock = false;
+            continue;
+        }
+        char c = pBlock[lOffset - lBlockStart];
+        szLine[n++] = c;
+        ++lOffset;
+        if (c == '\n') break;
+    }
+    if (n == 0) return nullptr;
+    szLine[n] = '\0';
+    bool newline = szLine[n - 1] == '\n';
+    char* s = szLine;
+    while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
+    kavro::stripspace(s);
+    if (oneKeptBlock && bKeep) {
+        auto kept = aLines.emplace(start, KeptLine{start, static_cast<long>(n), newline, s});
+        return Count(kept.first->second.sText.c_str());
+    }
+    return Count(s);
 }
 
 const char* ScriptReader::GetLine() {
     kavro::TermFlushIfStale();
     lLinePos = lOffset;
-    // As fgets does: at most kLineSize - 1 characters, up to and including a line feed.
-    unsigned long n = 0;
-    int c = EOF;
-    while (n + 1 < kLineSize && (c = getc_unlocked(pFile)) != EOF) {
-        szLine[n++] = static_cast<char>(c);
-        if (c == '\n') break;
+    if (bEof) return nullptr;
+    if (bBlockKept) {
+        auto it = aLines.find(lOffset);
+        if (it != aLines.end() && lOffset + it->second.lLength <= lBlockStart + lBlockLength) {
+            lOffset += it->second.lLength;
+            return Count(it->second.sText.c_str());
+        }
     }
-    if (n == 0) return nullptr;
+    return Assemble();
+}
+
+// Where every line from the top to the end lies, as reading them one by one would cut them, and
+// which of them could be labels. The blocks are read afresh and not kept.
+void ScriptReader::IndexLabels() {
+    std::unique_ptr<char[]> block(new char[kBlockSize]);
+    long blockStart = -1;
+    long blockLength = 0;
+    long offset = 0;
+    std::string word;
+    for (;;) {
+        long at = offset;
+        long length = 0;
+        bool newline = false;
+        bool inWord = true;
+        word.clear();
+        bool leading = true;
+        while (static_cast<unsigned long>(length) + 1 < kLineSize && !newline) {
+            if (at >= blockStart + blockLength || at < blockStart) {
+                if (blockStart >= 0 && blockLength < kBlockSize) break;  // the end
+                blockStart = at & ~(kBlockSize - 1);
+                ssize_t n;
+                do {
+                    n = pread(iFd, block.get(), kBlockSize, blockStart);
+                } while (n < 0 && errno == EINTR);
+                if (n < 0) ReadFailed();
+                blockLength = n;
+                if (at >= blockStart + blockLength) break;
+            }
+            char c = block[at - blockStart];
+            ++at;
+            ++length;
+            if (c == '\n') newline = true;
+            bool space = isspace(static_cast<unsigned char>(c)) != 0;
+            if (leading && space) continue;
+            leading = false;
+            if (inWord && (space || c == '\0')) inWord = false;
+            if (inWord) word += static_cast<char>(tolower(static_cast<unsigned char>(c)));
+        }
+        if (length == 0) break;
+        if (!word.empty() && word.back() == ':') aLabels[word].push_back(aOrder.size());
+        aOrder.push_back(PlacedLine{offset, length, newline});
+        offset += length;
+    }
+    bIndexed = true;
+}
+
+// Puts the line at start (length bytes) into the line buffer, trimmed, as the last line read.
+void ScriptReader::LoadLine(long start, long length) {
+    long n = 0;
+    while (n < length) {
+        long blockStart = (start + n) & ~(kBlockSize - 1);
+        const char* data;
+        long got;
+        bool kept;
+        ReadBlock(blockStart, &data, &got, &kept);
+        long from = start + n - blockStart;
+        if (from >= got) break;
+        long take = std::min(length - n, got - from);
+        memcpy(szLine + n, data + from, static_cast<size_t>(take));
+        n += take;
+    }
     szLine[n] = '\0';
-    lOffset += static_cast<long>(n);
-    ++iLine;
     char* s = szLine;
     while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
     kavro::stripspace(s);
     pszLine = s;
-    if (bTrace) kavro::TermPrintf("<%d: %s>\r", iLine, s);
-    return s;
 }
 
 bool ScriptReader::FindLabel(const char* target) {
+    if (!bTrace && bKeep && !bMemory && !bEof && Unchanged()) {
+        struct Hold {
+            bool& b;
+            explicit Hold(bool& flag) : b(flag) { b = true; }
+            ~Hold() { b = false; }
+        } hold(bHold);
+        if (!bIndexed) IndexLabels();
+        auto from = std::lower_bound(aOrder.begin(), aOrder.end(), lOffset,
+                                     [](const PlacedLine& l, long offset) { return l.lStart < offset; });
+        if (from != aOrder.end() && from->lStart == lOffset) {
+            size_t first = static_cast<size_t>(from - aOrder.begin());
+            size_t found = aOrder.size();
+            std::string folded = FoldedFirstWord(target);
+            auto label = aLabels.find(folded);
+            if (label != aLabels.end() && folded.size() == strlen(target)) {
+                auto at = std::lower_bound(label->second.begin(), label->second.end(), first);
+                if (at != label->second.end()) found = *at;
+            }
+            if (found == aOrder.size()) {
+                // Every line to the end is read, and counted.
+                iLine = static_cast<int>(static_cast<unsigned>(iLine) + static_cast<unsigned>(aOrder.size() - first));
+                lOffset = aOrder.back().lStart + aOrder.back().lLength;
+                lLinePos = lOffset;
+                bEof = true;
+                return false;
+            }
+            const PlacedLine& line = aOrder[found];
+            iLine = static_cast<int>(static_cast<unsigned>(iLine) + static_cast<unsigned>(found - first) + 1u);
+            lLinePos = line.lStart;
+            lOffset = line.lStart + line.lLength;
+            LoadLine(line.lStart, line.lLength);
+            // The block that holds the line's last byte is the one a reader would now hold; a
+            // line that ran into the end of the file has met it.
+            long blockStart = (lOffset - 1) & ~(kBlockSize - 1);
+            bool kept;
+            ReadBlock(blockStart, &pBlock, &lBlockLength, &kept);
+            lBlockStart = blockStart;
+            bBlockKept = kept;
+            bEof = !line.bNewline && line.lLength < static_cast<long>(kLineSize) - 1 && found + 1 == aOrder.size();
+            return true;
+        }
+    }
     while (const char* line = GetLine())
         if (FirstWordIs(line, target)) return true;
     return false;

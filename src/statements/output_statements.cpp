@@ -126,5 +126,6 @@ void ParseSleep(Parser* p) {
     }
     kavro::TermFlush();
     sleep(seconds);
+    ++kavro::uiOutsideTurns;
     SkipLine(p);
 }
