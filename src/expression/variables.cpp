@@ -1,14 +1,19 @@
 // The variable table: every variable of the run, found by name without regard to case.
 // Records live in blocks of 128 that never move, so a record pointer stays valid however the
-// table grows; indexes and values are kept in order of creation.
+// table grows; indexes and values are kept in order of creation. Unless the plain table is asked
+// for, an index by folded name finds a record without scanning the table; no two records have
+// names equal but for case, so the index finds the one a scan would.
 #include <strings.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "variables.h"
 
+#include "char_classes.h"
 #include "diagnostics.h"
 
 int iArgs = 0;
@@ -20,6 +25,23 @@ namespace {
 constexpr uint32_t kGrowth = 128;
 std::vector<std::unique_ptr<Variable[]>> aVarBlocks;
 
+// Names hashed and compared as strcasecmp compares them: byte by byte, folded by tolower.
+struct FoldedHash {
+    size_t operator()(const char* s) const {
+        size_t h = 14695981039346656037ull;
+        for (; *s; ++s) {
+            h ^= chars::Lower(*s);
+            h *= 1099511628211ull;
+        }
+        return h;
+    }
+};
+struct FoldedEqual {
+    bool operator()(const char* a, const char* b) const { return strcasecmp(a, b) == 0; }
+};
+bool bIndexed = false;
+std::unordered_map<const char*, Variable*, FoldedHash, FoldedEqual> aVarIndex;
+
 void Grow() {
     aVarBlocks.emplace_back(new Variable[kGrowth]);
     uiMaxVars += kGrowth;
@@ -27,7 +49,9 @@ void Grow() {
 
 }  // namespace
 
-void InitVariables() {
+void InitVariables(bool index) {
+    bIndexed = index;
+    aVarIndex.clear();
     aVarBlocks.clear();
     uiMaxVars = 0;
     uiVars = 0;
@@ -37,6 +61,10 @@ void InitVariables() {
 Variable* VarAt(uint32_t index) { return &aVarBlocks[index / kGrowth][index % kGrowth]; }
 
 Variable* FindVar(const char* name) {
+    if (bIndexed) {
+        auto it = aVarIndex.find(name);
+        return it == aVarIndex.end() ? nullptr : it->second;
+    }
     for (uint32_t i = 0; i < uiVars; ++i) {
         Variable* v = VarAt(i);
         if (strcasecmp(v->sName.data(), name) == 0) return v;
@@ -50,6 +78,7 @@ Variable* AddVar(const char* name) {
     Variable* v = VarAt(uiVars++);
     v->sName = name;
     v->value.eType = VarUndef;
+    if (bIndexed) aVarIndex.emplace(v->sName.data(), v);
     return v;
 }
 

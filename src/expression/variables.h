@@ -11,7 +11,8 @@ extern int iArgs;
 extern uint32_t uiMaxVars;  // capacity of the variable table
 extern uint32_t uiVars;     // variables in use
 
-void InitVariables();
+// Empties the table; index: find names through an index rather than by scanning the table.
+void InitVariables(bool index = true);
 Variable* VarAt(uint32_t index);
 Variable* FindVar(const char* name);
 Variable* AddVar(const char* name);

@@ -3,21 +3,31 @@
 
 #include <strings.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstring>
 
 KeywordTable::KeywordTable(const char* const* names) {
-    for (const char* const* n = names; *n; ++n) {
-        size_t len = strlen(*n);
-        if (aRowsByLength.size() <= len) aRowsByLength.resize(len + 1);
-        aRowsByLength[len].push_back(static_cast<int>(apszNames.size()));
-        apszNames.push_back(*n);
-    }
+    for (const char* const* n = names; *n; ++n) apszNames.push_back(*n);
 }
 
+size_t KeywordTable::Slot(size_t length, unsigned char last) { return length * 256 + last; }
+
 int KeywordTable::Find(const char* text) const {
-    size_t len = strlen(text);
-    if (len >= aRowsByLength.size()) return -1;
-    for (int row : aRowsByLength[len])
+    if (aRows.empty()) {
+        for (const char* n : apszNames) uiLongest = std::max(uiLongest, strlen(n));
+        aRows.resize(Slot(uiLongest, 255) + 1);
+        for (size_t row = 0; row < apszNames.size(); ++row) {
+            const char* n = apszNames[row];
+            size_t len = strlen(n);
+            unsigned char last = len ? static_cast<unsigned char>(tolower(static_cast<unsigned char>(n[len - 1]))) : 0;
+            aRows[Slot(len, last)].push_back(static_cast<int>(row));
+        }
+    }
+    size_t len = strnlen(text, uiLongest + 1);
+    if (len > uiLongest) return -1;
+    unsigned char last = len ? static_cast<unsigned char>(tolower(static_cast<unsigned char>(text[len - 1]))) : 0;
+    for (int row : aRows[Slot(len, last)])
         if (strcasecmp(apszNames[static_cast<size_t>(row)], text) == 0) return row;
     return -1;
 }
@@ -51,6 +61,7 @@ const Comparator aComparators[] = {
 
 const Comparator* GetComparator(const char* text) {
     // Comparators have no letters, so the exact comparison is the case-free one.
+    if (!strchr("=<>!", text[0]) || text[0] == '\0') return nullptr;
     for (const Comparator* c = aComparators; c->pszName; ++c)
         if (strcmp(c->pszName, text) == 0) return c;
     return nullptr;

@@ -9,7 +9,9 @@
 #include "kvtypes.h"
 
 // A table of names looked up as whole words, case ignored (strcasecmp), first match in table order.
-// Each table keeps its own rows grouped by length, so only names of the text's length are compared.
+// Each table keeps its own rows grouped by length and by their last character as the running
+// locale folds it (grouped at the first lookup, after start-up has chosen the locale), so only a
+// name that can be equal is compared.
 class KeywordTable {
 public:
     // names: the rows in table order, ended by a null.
@@ -20,8 +22,10 @@ public:
     int Size() const { return static_cast<int>(apszNames.size()); }
 
 private:
+    static size_t Slot(size_t length, unsigned char last);
     std::vector<const char*> apszNames;
-    std::vector<std::vector<int>> aRowsByLength;  // rows, in table order, by name length
+    mutable std::vector<std::vector<int>> aRows;  // rows, in table order, by Slot
+    mutable size_t uiLongest = 0;
 };
 
 // Whether a table binding handlers to words has one row per word, in the words' order.

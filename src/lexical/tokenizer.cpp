@@ -7,6 +7,7 @@
 
 #include "tokenizer.h"
 
+#include "char_classes.h"
 #include "kavro.h"
 #include "keywords.h"
 
@@ -59,9 +60,9 @@ const char* TokenEnd(const char* s) {
         }
         return q;
     }
-    if (kavro::t_isalpha(c) || strchr("./:_", c)) {
+    if (chars::IsAlpha(c) || strchr("./:_", c)) {
         const char* q = s + 1;
-        while (*q && (kavro::t_isalnum(*q) || strchr("./:_&", *q))) ++q;
+        while (*q && (chars::IsAlnum(*q) || strchr("./:_&", *q))) ++q;
         return q;
     }
     return s + 1;
@@ -118,7 +119,7 @@ TokenType NumberType(const std::string& t) {
 }  // namespace
 
 void skip_spaces(TokenScan* p) {
-    while (*p->pPos && isspace(static_cast<unsigned char>(*p->pPos))) ++p->pPos;
+    while (*p->pPos && chars::IsSpace(*p->pPos)) ++p->pPos;
 }
 
 bool IsConst(const TokenType& t) { return t == TokenInteger || t == TokenFloat || t == TokenString; }
@@ -127,7 +128,7 @@ void SkipLine(TokenScan* p) { p->pPos = p->sLine.data() + p->sLine.length(); }
 
 bool GetNextToken(TokenScan* p) {
     const char* s = p->pPos;
-    while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
+    while (*s && chars::IsSpace(*s)) ++s;
     if (*s == '\0') {
         p->sToken.clear();
         p->eTokenType = TokenEol;
@@ -184,19 +185,25 @@ int Second(const char* hms) {
 
 CBString ExtractFirstWord(const char* text) {
     const char* e = text;
-    while (*e && !isspace(static_cast<unsigned char>(*e))) ++e;
+    while (*e && !chars::IsSpace(*e)) ++e;
     return CBString(text, static_cast<size_t>(e - text));
 }
 
-bool FirstWordIs(const char* line, const char* keyword) {
+size_t FirstWordLength(const char* line) {
     size_t n = 0;
-    while (line[n] && !isspace(static_cast<unsigned char>(line[n]))) ++n;
-    return n == strlen(keyword) && strncasecmp(line, keyword, n) == 0;
+    while (line[n] && !chars::IsSpace(line[n])) ++n;
+    return n;
 }
+
+bool FirstWordIs(const char* line, size_t length, const char* keyword) {
+    return strncasecmp(line, keyword, length) == 0 && keyword[length] == '\0';
+}
+
+bool FirstWordIs(const char* line, const char* keyword) { return FirstWordIs(line, FirstWordLength(line), keyword); }
 
 const char* ReferenceEnd(const char* s, const char* end) {
     while (s != end && *s == '&') ++s;
-    while (s != end && *s && kavro::t_isalnum(*s)) ++s;
+    while (s != end && *s && chars::IsAlnum(*s)) ++s;
     return s;
 }
 

@@ -57,6 +57,9 @@ int Second(const char* hms);
 CBString ExtractFirstWord(const char* text);
 // Whether the first word of a line (up to white space) is keyword, case ignored.
 bool FirstWordIs(const char* line, const char* keyword);
+// The length of the first word of a line, and whether that word is keyword, case ignored.
+size_t FirstWordLength(const char* line);
+bool FirstWordIs(const char* line, size_t length, const char* keyword);
 
 // ---- Variable references ------------------------------------------------------------------
 

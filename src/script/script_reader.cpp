@@ -12,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "char_classes.h"
 #include "kavro.h"
 
 namespace {
@@ -41,8 +42,7 @@ bool SameFile(const struct stat& a, const struct stat& b) {
 // The first word of a line folded as a case-ignoring comparison folds it.
 std::string FoldedFirstWord(const char* line) {
     std::string word;
-    for (const char* s = line; *s && !isspace(static_cast<unsigned char>(*s)); ++s)
-        word += static_cast<char>(tolower(static_cast<unsigned char>(*s)));
+    for (const char* s = line; *s && !chars::IsSpace(*s); ++s) word += static_cast<char>(chars::Lower(*s));
     return word;
 }
 
@@ -261,7 +261,7 @@ const char* ScriptReader::Assemble() {
     szLine[n] = '\0';
     bool newline = szLine[n - 1] == '\n';
     char* s = szLine;
-    while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
+    while (*s && chars::IsSpace(*s)) ++s;
     kavro::stripspace(s);
     if (oneKeptBlock && bKeep) {
         auto kept = aLines.emplace(start, KeptLine{start, static_cast<long>(n), newline, s});
@@ -315,11 +315,11 @@ void ScriptReader::IndexLabels() {
             ++at;
             ++length;
             if (c == '\n') newline = true;
-            bool space = isspace(static_cast<unsigned char>(c)) != 0;
+            bool space = chars::IsSpace(c);
             if (leading && space) continue;
             leading = false;
             if (inWord && (space || c == '\0')) inWord = false;
-            if (inWord) word += static_cast<char>(tolower(static_cast<unsigned char>(c)));
+            if (inWord) word += static_cast<char>(chars::Lower(c));
         }
         if (length == 0) break;
         if (!word.empty() && word.back() == ':') aLabels[word].push_back(aOrder.size());
@@ -346,7 +346,7 @@ void ScriptReader::LoadLine(long start, long length) {
     }
     szLine[n] = '\0';
     char* s = szLine;
-    while (*s && isspace(static_cast<unsigned char>(*s))) ++s;
+    while (*s && chars::IsSpace(*s)) ++s;
     kavro::stripspace(s);
     pszLine = s;
 }

@@ -62,8 +62,9 @@ public:
     template <typename Each>
     const char* ReadUntil(std::initializer_list<const char*> words, Each each) {
         while (const char* line = GetLine()) {
+            size_t length = FirstWordLength(line);
             for (const char* w : words)
-                if (FirstWordIs(line, w)) return line;
+                if (FirstWordIs(line, length, w)) return line;
             each(line);
         }
         return nullptr;

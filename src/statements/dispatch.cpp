@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "char_classes.h"
 #include "diagnostics.h"
 #include "kavro.h"
 #include "statements.h"
@@ -82,7 +83,7 @@ void VariableLine(Parser* p) {
     RunCommandLine(p);
 }
 
-bool IsWordStart(char c) { return kavro::t_isalpha(c) || c == '.' || c == '/' || c == '_'; }
+bool IsWordStart(char c) { return chars::IsAlpha(c) || c == '.' || c == '/' || c == '_'; }
 
 }  // namespace
 
@@ -104,7 +105,7 @@ void _Parse_Line(Parser* p, const char* line) {
     NestingGuard guard;
     p->bFirstToken = true;
 
-    while (*line && isspace(static_cast<unsigned char>(*line))) ++line;
+    while (*line && chars::IsSpace(*line)) ++line;
     if (*line == '\0' || *line == ';') return;
     p->sLine = line;
     p->pPos = p->sLine.data();
@@ -118,7 +119,7 @@ void _Parse_Line(Parser* p, const char* line) {
             const char* e = s + 1;
             bool alnum = true;
             while (*e && !strchr(" ;=:", *e)) {
-                if (!kavro::t_isalnum(*e)) alnum = false;
+                if (!chars::IsAlnum(*e)) alnum = false;
                 ++e;
             }
             p->sToken.assign(s, static_cast<size_t>(e - s));
@@ -136,7 +137,7 @@ void _Parse_Line(Parser* p, const char* line) {
                 return;
             }
             const char* after = e;
-            while (*after && isspace(static_cast<unsigned char>(*after))) ++after;
+            while (*after && chars::IsSpace(*after)) ++after;
             if (alnum && *after == '=') {
                 p->sToken = CBString("&") + p->sToken;
                 p->eTokenType = TokenVar;
