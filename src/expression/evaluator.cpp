@@ -173,7 +173,7 @@ void Eval(Parser* p, Const* result, bool condition) {
     switch (p->eTokenType) {
         case TokenFunction:
             if (condition) NO_EXPRESSION(Src::Expression, At::FunctionInCondition);
-            GetFunction(p->sToken)->pHandler(p, result);
+            aFunctions[p->iWord].pHandler(p, result);
             GetNextToken(p);
             step = Step::Operator;
             break;

@@ -1,6 +1,8 @@
 // The word tables and their lookups.
 #include "keywords.h"
 
+#include "char_classes.h"
+
 #include <strings.h>
 
 #include <algorithm>
@@ -20,13 +22,13 @@ int KeywordTable::Find(const char* text) const {
         for (size_t row = 0; row < apszNames.size(); ++row) {
             const char* n = apszNames[row];
             size_t len = strlen(n);
-            unsigned char last = len ? static_cast<unsigned char>(tolower(static_cast<unsigned char>(n[len - 1]))) : 0;
+            unsigned char last = len ? chars::Lower(n[len - 1]) : 0;
             aRows[Slot(len, last)].push_back(static_cast<int>(row));
         }
     }
     size_t len = strnlen(text, uiLongest + 1);
     if (len > uiLongest) return -1;
-    unsigned char last = len ? static_cast<unsigned char>(tolower(static_cast<unsigned char>(text[len - 1]))) : 0;
+    unsigned char last = len ? chars::Lower(text[len - 1]) : 0;
     for (int row : aRows[Slot(len, last)])
         if (strcasecmp(apszNames[static_cast<size_t>(row)], text) == 0) return row;
     return -1;

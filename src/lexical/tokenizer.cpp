@@ -170,8 +170,8 @@ TokenType GetTokenType(TokenScan* p) {
     if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
     if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
     if (GetComparator(t.c_str())) return TokenComparator;
-    if (kFunctionWords.Find(t.c_str()) >= 0) return TokenFunction;
-    if (kStatementWords.Find(t.c_str()) >= 0) return TokenStatement;
+    if ((p->iWord = kFunctionWords.Find(t.c_str())) >= 0) return TokenFunction;
+    if ((p->iWord = kStatementWords.Find(t.c_str())) >= 0) return TokenStatement;
     if (p->bFirstToken) return TokenVar;
     return t[0] == '&' ? TokenVar : TokenString;
 }

@@ -45,6 +45,7 @@ struct TokenScan {
     const char* pPos = nullptr;
     bool bDebug = false;       // &CONTROL DEBUG: print every token read
     bool bFirstToken = false;  // set at the start of a line until its first token is classified
+    int iWord = -1;            // for a statement or function token: its row among those words
 };
 
 bool GetNextToken(TokenScan* p);

@@ -21,8 +21,9 @@ namespace {
 // it, leaving its times as they were: what is read of it is not kept until it has been still
 // for this long.
 constexpr long long kSettleNs = 20'000'000;
-// While nothing else ran, the file is checked again no more often than this.
-constexpr long long kRecheckNs = 100'000;
+// While nothing else ran, the file is checked again no more often than this (on the coarse
+// clock, which moves in ticks of a few milliseconds).
+constexpr long long kRecheckNs = 1'000'000;
 
 long long Nanoseconds(clockid_t clock) {
     struct timespec t;
@@ -195,7 +196,7 @@ void ScriptReader::Seek(long offset) {
 bool ScriptReader::Unchanged() {
     if (!bKeep) return false;
     if (bMemory || bHold) return bMemory || bTrusted;
-    long long now = Nanoseconds(CLOCK_MONOTONIC);
+    long long now = Nanoseconds(CLOCK_MONOTONIC_COARSE);
     if (bTrusted && uiCheckedTurns == kavro::uiOutsideTurns && now - llCheckedNs < kRecheckNs) return true;
     struct stat st;
     if (fstat(iFd, &st) != 0) {

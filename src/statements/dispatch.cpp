@@ -162,7 +162,7 @@ void _Parse_Line(Parser* p, const char* line) {
             TraceToken(p);
             switch (p->eTokenType) {
                 case TokenVar: VariableLine(p); continue;
-                case TokenStatement: GetStatement(p->sToken)->pHandler(p); continue;
+                case TokenStatement: aStatements[p->iWord].pHandler(p); continue;
                 case TokenEol: continue;
                 default: SYNTAX_ERROR(Src::Kvexec, At::AmpersandWord);
             }
