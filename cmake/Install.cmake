@@ -41,4 +41,5 @@ install(FILES ${PROJECT_SOURCE_DIR}/editors/textmate/kvexec.tmLanguage.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/kvexec/textmate)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/
         DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-        FILES_MATCHING PATTERN "*.kvx")
+        FILES_MATCHING PATTERN "*.kvx"
+        PATTERN expected EXCLUDE)
