@@ -4,7 +4,7 @@ _kvcheck()
 {
     local cur=${COMP_WORDS[COMP_CWORD]}
     local prev=${COMP_WORDS[COMP_CWORD-1]}
-    local codes='KV201 KV202 KV203 KV204 KV205 KV206 KV207 KV208 KV209 KV210 KV211 KV212 KV213 KV214 KV215 KV216 KV217'
+    local codes='KV201 KV202 KV203 KV204 KV205 KV206 KV207 KV208 KV209 KV210 KV211 KV212 KV213 KV214 KV215 KV216 KV217 KV218'
     COMPREPLY=()
     # bash splits "--warn=KV2" into "--warn", "=" and "KV2".
     if [[ $prev == = && $COMP_CWORD -ge 2 ]]; then

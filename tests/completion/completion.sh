@@ -35,7 +35,7 @@ expect "job.kvx jobs nightly.kvx notes.txt" _kvexec kvexec job.kvx ''
 expect "-Werror" _kvcheck kvcheck -W
 expect "--no-warn= --no-warnings" _kvcheck kvcheck --no
 expect "--json" _kvcheck kvcheck --j
-expect "KV210 KV211 KV212 KV213 KV214 KV215 KV216 KV217" _kvcheck kvcheck --warn = KV21
+expect "KV210 KV211 KV212 KV213 KV214 KV215 KV216 KV217 KV218" _kvcheck kvcheck --warn = KV21
 expect "KV203,KV204" _kvcheck kvcheck --no-warn = KV203,KV204
 expect "job.kvx jobs nightly.kvx" _kvcheck kvcheck -w ''
 [ $fail -eq 0 ] && echo "completions offer what they should"
