@@ -1,62 +1,164 @@
 #!/usr/bin/env bash
-# Builds kvexec and runs it, its tests or its benchmarks, installing what the build needs first.
+# Builds kvexec and runs it, its tests or its benchmarks, installing what each command needs first.
 #
-#   ./dev.sh example    build, then run examples/hello.kvx
-#   ./dev.sh test       build, then run every test (unit, conformance, terminal)
-#   ./dev.sh sanitize   build with AddressSanitizer + UBSan in build-asan, then run every test
+#   ./dev.sh example    build kvexec alone, then run examples/hello.kvx
+#   ./dev.sh test       build, then run every test; prints a summary (the full log on failure)
+#   ./dev.sh sanitize   the same with AddressSanitizer + UBSan, in build-asan
 #   ./dev.sh bench      build, then run the benchmarks in bench/
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
+#
+# Build output goes to <build folder>/build.log and test output to <build folder>/test.log; each is
+# shown only when its step fails.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-deps() {
-  local missing=()
-  command -v cmake > /dev/null || missing+=(cmake)
-  command -v g++ > /dev/null || missing+=(g++)
-  command -v tmux > /dev/null || missing+=(tmux)
-  [ -x /usr/bin/time ] || missing+=(time)
-  [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
-  [ -f /usr/include/term.h ] || missing+=(libncurses-dev)
-  if [ ${#missing[@]} -gt 0 ]; then
-    echo "installing: ${missing[*]}"
+# What each command needs: "command-or-file:Debian package:what it is for".
+BASE_NEEDS=(
+  "cmake:cmake:the build"
+  "g++:g++:the build"
+  "/usr/include/term.h:libncurses-dev:the terminal library (terminfo)"
+  "/usr/include/gtest/gtest.h:libgtest-dev:the unit tests (the build configures them)"
+)
+TEST_NEEDS=(
+  "tmux:tmux:the terminal tests"
+  "/usr/bin/time:time:the memory test"
+  "groff:groff-base:checking the manual pages"
+  "vim:vim:checking the vim syntax file"
+  "node:nodejs:checking the TextMate grammar"
+  "npm:npm:installing the grammar tokenizer for that check"
+  "dpkg-deb:dpkg:listing the Debian package"
+  "dpkg-shlibdeps:dpkg-dev:the Debian package's dependencies"
+  "gzip:gzip:compressing the manual pages"
+)
+BENCH_NEEDS=("/usr/bin/time:time:timing the benchmarks")
+LINT_NEEDS=("clang-format:clang-format:the formatting check" "clang-tidy:clang-tidy:the lint")
+
+has() {  # has <command or absolute path>
+  case $1 in
+    /*) [ -e "$1" ] ;;
+    *) command -v "$1" > /dev/null ;;
+  esac
+}
+
+# need <required: yes|no> <entry>...: installs what is missing with apt-get; without apt-get, says
+# what is missing and what for, and stops when a required part is among it.
+need() {
+  local required=$1 entry tool pkg why
+  shift
+  local missing=() lines=()
+  for entry in "$@"; do
+    IFS=: read -r tool pkg why <<< "$entry"
+    if ! has "$tool"; then
+      missing+=("$pkg")
+      lines+=("  $pkg  ($tool, for $why)")
+    fi
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  if command -v apt-get > /dev/null; then
     local sudo=""
     [ "$(id -u)" -ne 0 ] && sudo=sudo
-    $sudo apt-get update -qq && $sudo apt-get install -y -qq "${missing[@]}"
+    echo "installing: ${missing[*]}"
+    $sudo apt-get update -qq > /dev/null && $sudo apt-get install -y -qq "${missing[@]}" > /dev/null
+    return 0
+  fi
+  echo "apt-get is not available; install these (Debian package names) with your package manager:"
+  printf '%s\n' "${lines[@]}"
+  if [ "$required" = yes ]; then
+    exit 1
+  fi
+  echo "(the tests that need them are reported as skipped)"
+}
+
+# The TextMate grammar check tokenizes with vscode-textmate when it is installed in
+# <build folder>/editor-tools; without the npm registry it falls back to a check of its own.
+node_tools() {  # node_tools <build folder>
+  local dir=$1/editor-tools
+  [ -d "$dir/node_modules/vscode-textmate" ] && [ -d "$dir/node_modules/vscode-oniguruma" ] && return 0
+  command -v npm > /dev/null || return 0
+  mkdir -p "$dir"
+  if ! npm install --silent --no-audit --no-fund --no-save --prefix "$dir" \
+      vscode-textmate@9.3.2 vscode-oniguruma@2.0.1 > "$dir/npm.log" 2>&1; then
+    echo "note: could not install vscode-textmate from npm (see $dir/npm.log); the grammar test checks it without"
   fi
 }
 
-build() {  # build <dir> [cmake options]
+build() {  # build <dir> [--target <target>] [cmake options]
   local dir=$1
   shift
-  cmake -S . -B "$dir" -DKVEXEC_WERROR=ON "$@" > /dev/null
-  cmake --build "$dir" -j"$(nproc)"
+  local target=()
+  if [ "${1:-}" = --target ]; then
+    target=(--target "$2")
+    shift 2
+  fi
+  mkdir -p "$dir"
+  if ! { cmake -S . -B "$dir" -DKVEXEC_WERROR=ON "$@" && cmake --build "$dir" -j"$(nproc)" "${target[@]}"; } \
+      > "$dir/build.log" 2>&1; then
+    cat "$dir/build.log"
+    echo "build failed (log: $dir/build.log)"
+    exit 1
+  fi
+}
+
+# run_tests <build folder>: all tests; a one-line summary, the whole log when something fails.
+run_tests() {
+  local dir=$1 log=$1/test.log status=0
+  local start=$SECONDS
+  ctest --test-dir "$dir" -j"$(nproc)" --output-on-failure > "$log" 2>&1 || status=$?
+  local seconds=$((SECONDS - start))
+  local total failed skipped
+  total=$(sed -n 's/.*tests failed out of \([0-9]*\).*/\1/p' "$log" | tail -1)
+  failed=$(sed -n 's/.* \([0-9]*\) tests failed out of.*/\1/p' "$log" | tail -1)
+  skipped=$(grep -c '(Skipped)$' "$log" || true)
+  if [ $status -ne 0 ] || [ -z "$total" ]; then
+    cat "$log"
+    echo
+    echo "tests failed (log: $log)"
+  else
+    grep 'tests passed' "$log" | tail -1
+    if [ "$skipped" -gt 0 ]; then
+      echo "skipped (a tool is missing):"
+      grep '(Skipped)$' "$log" | sed 's/^ *[0-9]* - /  /; s/ (Skipped)$//'
+    fi
+  fi
+  echo "time: ${seconds}s"
+  echo "tests: $((${total:-0} - ${failed:-0} - skipped)) passed, ${failed:-0} failed, $skipped skipped"
+  return $status
 }
 
 case "${1:-test}" in
   example)
-    deps
-    build build
-    ./build/kvexec examples/hello.kvx
+    need yes "${BASE_NEEDS[@]}"
+    build build --target kvexec
+    # On a terminal the screen codes work; elsewhere (a log, a pipe) the text mode reads best.
+    if [ -t 1 ]; then
+      ./build/kvexec examples/hello.kvx
+    else
+      KVEXEC_TERM=${KVEXEC_TERM:-text} ./build/kvexec examples/hello.kvx
+    fi
     ;;
   test)
-    deps
+    need yes "${BASE_NEEDS[@]}"
+    need no "${TEST_NEEDS[@]}"
     build build
-    ctest --test-dir build -j"$(nproc)" --output-on-failure
+    node_tools build
+    run_tests build
     ;;
   sanitize)
-    deps
+    need yes "${BASE_NEEDS[@]}"
+    need no "${TEST_NEEDS[@]}"
     build build-asan -DKVEXEC_SANITIZE=ON
+    node_tools build-asan
     ASAN_OPTIONS=detect_stack_use_after_return=0 UBSAN_OPTIONS=print_stacktrace=1 \
       LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
-      ctest --test-dir build-asan -j"$(nproc)" --output-on-failure
+      run_tests build-asan
     ;;
   bench)
-    deps
+    need yes "${BASE_NEEDS[@]}" "${BENCH_NEEDS[@]}"
     build build
     bench/run.sh build/kvexec
     ;;
   lint)
-    deps
+    need yes "${BASE_NEEDS[@]}" "${LINT_NEEDS[@]}"
     cmake -S . -B build -DKVEXEC_WERROR=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
     clang-format --dry-run --Werror src/*/*.cpp include/*.h tests/unit/*.cpp tests/unit/*.h
     # clang-tidy counts the warnings it hid in system headers; only its findings are shown.

@@ -23,4 +23,6 @@ constexpr const char* kUsageText =
     "  KVEXEC_YEAR_MODE   2: two-digit years; 0: two digits before 2000; 1: four digits (default)\n"
     "  KVEXEC_SERIAL1, KVEXEC_SERIAL2   serial numbers for &SYSTEM SERIAL (default 0)\n"
     "  KVEXEC_CASE        input case mode: U upper, L swapped, M as typed (default M)\n"
-    "  kvwm, b_lang, b_privlev, b_maxpid, PWD   read by the session and &SYSTEM\n";
+    "  kvwm, b_lang, b_privlev, b_maxpid, PWD   read by the session and &SYSTEM\n"
+    "\n"
+    "See \"man kvexec\" for the language guide and \"man kvcheck\" for the script checker.\n";

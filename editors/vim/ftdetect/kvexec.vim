@@ -1,0 +1,2 @@
+" Job-control scripts run by kvexec.
+autocmd BufNewFile,BufRead *.kvx setfiletype kvexec
