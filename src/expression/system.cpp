@@ -10,7 +10,7 @@
 
 namespace {
 
-void Account(Parser* p) { PushString(p, kavro::Kavro->sAccount); }
+void Account(Parser* p) { PushString(p, kavro::AccountName()); }
 
 void Cwd(Parser* p) {
     const char* pwd = getenv("PWD");

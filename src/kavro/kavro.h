@@ -18,7 +18,7 @@ namespace kavro {
 struct KavroEnv {
     CBString sPrompt;       // written by line input before it reads
     char cCaseMode = 'M';   // input case mode: 'U' upper, 'L' swap, anything else as typed
-    CBString sAccount;      // account name
+    CBString sAccount;      // account name, once AccountName has settled it
     char cDateStyle = 'Y';  // 'A' American, 'E' European, anything else year first
     int iYearMode = 1;      // 2 two-digit years, 0 two digits before 2000, other four digits
     uint16_t uiSerial1 = 0;
@@ -34,6 +34,8 @@ extern std::vector<CBString> t_asCmdargs;
 // Prepares the session: fills t_asCmdargs with argv[0..argc-1] (the script path first) and the
 // session record from the environment; returns the number of positional arguments.
 int t_Init(int argc, char** argv, int mode, bool bQuiet);
+// The account name: KVEXEC_ACCOUNT, else the login name, else USER, as they were at start-up.
+const CBString& AccountName();
 // An environment variable read as a base-10 integer; 0 when it is not set.
 int getintenv(const char* name);
 

@@ -23,13 +23,35 @@ long EnvNumber(const char* name, long fallback) {
     return (v && *v) ? strtol(v, nullptr, 10) : fallback;
 }
 
-CBString LoginName() {
-    if (const char* v = getenv("KVEXEC_ACCOUNT")) return v;
-    if (struct passwd* pw = getpwuid(getuid())) return pw->pw_name;
-    if (const char* v = getenv("USER")) return v;
-    return "";
+// The account name is settled when it is first asked for, from the environment as it was at
+// start-up: the name service is asked only by a script that wants the name.
+bool bAccountKnown = false;
+bool bAccountSet = false;
+CBString sAccountSet;
+CBString sUserSet;
+
+void NoteAccountSources() {
+    const char* account = getenv("KVEXEC_ACCOUNT");
+    const char* user = getenv("USER");
+    bAccountKnown = false;
+    bAccountSet = account != nullptr;
+    sAccountSet = account ? account : "";
+    sUserSet = user ? user : "";
 }
 }  // namespace
+
+const CBString& AccountName() {
+    if (!bAccountKnown) {
+        bAccountKnown = true;
+        if (bAccountSet)
+            g_env.sAccount = sAccountSet;
+        else if (struct passwd* pw = getpwuid(getuid()))
+            g_env.sAccount = pw->pw_name;
+        else
+            g_env.sAccount = sUserSet;
+    }
+    return g_env.sAccount;
+}
 
 KavroEnv* Kavro = &g_env;
 std::vector<CBString> t_asCmdargs;
@@ -37,7 +59,7 @@ std::vector<CBString> t_asCmdargs;
 int t_Init(int argc, char** argv, int /*mode*/, bool /*bQuiet*/) {
     t_asCmdargs.clear();
     for (int i = 0; i < argc; ++i) t_asCmdargs.emplace_back(argv[i]);
-    g_env.sAccount = LoginName();
+    NoteAccountSources();
     g_env.cDateStyle = EnvLetter("KVEXEC_DATE_STYLE", 'Y');
     g_env.iYearMode = static_cast<int>(EnvNumber("KVEXEC_YEAR_MODE", 1));
     g_env.uiSerial1 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL1", 0));

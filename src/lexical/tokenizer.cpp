@@ -166,7 +166,7 @@ TokenType GetTokenType(TokenScan* p) {
     if (t.back() == ':' && p->bFirstToken) return TokenLabel;
     if (t[0] == '"') return QuotedType(p);
     if (IsDigit(t[0]) || (t[0] == '.' && t.size() > 1)) return NumberType(t);
-    if (t == ".") return TokenBadNumber;
+    if (t.size() == 1 && t[0] == '.') return TokenBadNumber;
     if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
     if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
     if (GetComparator(t.c_str())) return TokenComparator;

@@ -332,6 +332,11 @@ void ScriptReader::IndexLabels() {
 
 // Puts the line at start (length bytes) into the line buffer, trimmed, as the last line read.
 void ScriptReader::LoadLine(long start, long length) {
+    auto known = aLines.find(start);
+    if (known != aLines.end()) {
+        pszLine = known->second.sText.c_str();
+        return;
+    }
     long n = 0;
     while (n < length) {
         long blockStart = (start + n) & ~(kBlockSize - 1);
