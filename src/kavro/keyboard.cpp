@@ -1,7 +1,6 @@
 // Keyboard input: keys from the terminal in raw mode (restored on every way out), or bytes of
 // standard input when it is not a terminal; and the cursor bookkeeping of the line editor.
 #include <poll.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -10,14 +9,19 @@
 #include <cstdlib>
 
 #include "kavro.h"
+#include "signals.h"
 
 namespace kavro {
 
 namespace {
 
 struct termios g_saved;
-bool g_bRaw = false;
-bool g_bHandlers = false;
+struct termios g_raw;
+// The terminal is in raw mode; and raw input is on, though a stop may have handed the terminal
+// back for a while.
+volatile sig_atomic_t g_bRaw = 0;
+volatile sig_atomic_t g_bRawInput = 0;
+bool g_bAtExit = false;
 int g_iCursor = 0;
 
 // Line-editor cursor, relative to the start of the input, and the wrap width (0: none).
@@ -29,50 +33,32 @@ constexpr int kKeySequence = 0x1000;  // an escape sequence with no meaning for 
 constexpr int kKeyDelete = 0x2000;    // the Delete key
 
 void LeaveRaw() {
-    if (g_bRaw) {
-        tcsetattr(0, TCSANOW, &g_saved);
-        g_bRaw = false;
-    }
-}
-
-void EnterRaw();
-
-void OnSignal(int sig) {
-    bool wasRaw = g_bRaw;
+    SignalGuard guard;
     if (g_bRaw) tcsetattr(0, TCSANOW, &g_saved);
-    g_bRaw = false;
-    if (sig == SIGTSTP) {
-        signal(SIGTSTP, SIG_DFL);
-        raise(SIGTSTP);
-        // Continued: back to raw input if it was on.
-        signal(SIGTSTP, OnSignal);
-        if (wasRaw) EnterRaw();
-        return;
-    }
-    signal(sig, SIG_DFL);
-    raise(sig);
+    g_bRaw = 0;
+    g_bRawInput = 0;
+    SignalsRawInput(false);
 }
 
 void EnterRaw() {
-    if (g_bRaw || !isatty(0)) return;
+    if (g_bRawInput || !isatty(0)) return;
+    SignalGuard guard;
     if (tcgetattr(0, &g_saved) != 0) return;
-    if (!g_bHandlers) {
-        g_bHandlers = true;
+    if (!g_bAtExit) {
+        g_bAtExit = true;
         atexit(LeaveRaw);
-        for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
-            struct sigaction sa {};
-            sa.sa_handler = OnSignal;
-            sigemptyset(&sa.sa_mask);
-            sigaction(sig, &sa, nullptr);
-        }
     }
-    struct termios raw = g_saved;
-    raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
-    raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
-    raw.c_cc[VMIN] = 1;
-    raw.c_cc[VTIME] = 0;
+    g_raw = g_saved;
+    g_raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
+    g_raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
+    g_raw.c_cc[VMIN] = 1;
+    g_raw.c_cc[VTIME] = 0;
     // TCSANOW, not TCSAFLUSH: keys typed ahead stay for the input that reads them.
-    if (tcsetattr(0, TCSANOW, &raw) == 0) g_bRaw = true;
+    if (tcsetattr(0, TCSANOW, &g_raw) == 0) {
+        g_bRaw = 1;
+        g_bRawInput = 1;
+        SignalsRawInput(true);
+    }
 }
 
 int ReadByte(int timeoutMs) {
@@ -190,6 +176,20 @@ void pagewait() {
         TermPut(0x17);
         TermFlush();
     }
+}
+
+bool KeyboardSuspendRaw() {
+    if (!g_bRaw) return false;
+    tcsetattr(0, TCSANOW, &g_saved);
+    g_bRaw = 0;
+    return true;
+}
+
+void KeyboardResumeRaw() {
+    // Continued in the background the terminal stays as it is: raw mode comes back with the
+    // continue that brings the process to the foreground.
+    if (!g_bRawInput || tcgetpgrp(0) != getpgrp()) return;
+    if (tcsetattr(0, TCSANOW, &g_raw) == 0) g_bRaw = 1;
 }
 
 }  // namespace kavro
