@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
+#include <cwchar>
 
 #include "kavro.h"
 #include "signals.h"
@@ -29,8 +31,18 @@ int g_iInRow = 0;
 int g_iInCol = 0;
 int g_iWidth = 0;
 
-constexpr int kKeySequence = 0x1000;  // an escape sequence with no meaning for line input
-constexpr int kKeyDelete = 0x2000;    // the Delete key
+// Key codes beyond every character.
+constexpr int kKeySequence = 0x110000;  // an escape sequence with no meaning for line input
+constexpr int kKeyDelete = 0x110001;    // the Delete key
+// How long the rest of a key may take after its first byte.
+constexpr int kKeyRestMs = 30;
+// Numbers in escape sequences stop growing here; only small ones name keys.
+constexpr int kSequenceNumberLimit = 100000;
+
+// The bytes of the last key read, and a byte read too far that the next key starts with.
+char g_acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
+size_t g_uiKey = 0;
+int g_iUnread = -1;
 
 void LeaveRaw() {
     SignalGuard guard;
@@ -62,11 +74,19 @@ void EnterRaw() {
 }
 
 int ReadByte(int timeoutMs) {
+    if (g_iUnread >= 0) {
+        int c = g_iUnread;
+        g_iUnread = -1;
+        return c;
+    }
     if (timeoutMs >= 0) {
         struct pollfd pfd {
             0, POLLIN, 0
         };
-        if (poll(&pfd, 1, timeoutMs) <= 0) return -1;
+        int ready;
+        while ((ready = poll(&pfd, 1, timeoutMs)) < 0 && errno == EINTR) {
+        }
+        if (ready <= 0) return -1;
     }
     unsigned char c = 0;
     for (;;) {
@@ -75,6 +95,58 @@ int ReadByte(int timeoutMs) {
         if (n < 0 && errno == EINTR) continue;
         return -1;
     }
+}
+
+int KeyByte(int timeoutMs) {
+    int c = ReadByte(timeoutMs);
+    if (c >= 0 && g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = static_cast<char>(c);
+    return c;
+}
+
+// After an escape: a control sequence (ESC [ or ESC O, up to its final byte) is one key.
+int ReadEscapeSequence() {
+    int next = KeyByte(kKeyRestMs);
+    if (next < 0) return 0x1b;
+    if (next != '[' && next != 'O') return kKeySequence;
+    int param = 0;
+    for (;;) {
+        int b = KeyByte(kKeyRestMs);
+        if (b < 0) return kKeySequence;
+        if (b >= '0' && b <= '9') param = param < kSequenceNumberLimit ? param * 10 + (b - '0') : param;
+        if (b >= 0x40 && b <= 0x7e) return (b == '~' && param == 3) ? kKeyDelete : kKeySequence;
+    }
+}
+
+// A character of several bytes is one key: its code. A byte that cannot continue it begins the
+// next key; a broken character is a key with no meaning.
+int ReadCharacter(int first) {
+    mbstate_t state{};
+    char b = static_cast<char>(first);
+    wchar_t wc = 0;
+    size_t r = mbrtowc(&wc, &b, 1, &state);
+    while (r == static_cast<size_t>(-2)) {
+        int next = ReadByte(kKeyRestMs);
+        if (next < 0) return kKeySequence;
+        b = static_cast<char>(next);
+        r = mbrtowc(&wc, &b, 1, &state);
+        if (r == static_cast<size_t>(-1)) {
+            g_iUnread = next;
+            return kKeySequence;
+        }
+        if (g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = b;
+    }
+    if (r == static_cast<size_t>(-1)) return kKeySequence;
+    return g_uiKey > 1 ? static_cast<int>(wc) : first;
+}
+
+// One key: a byte, or on the terminal an escape sequence or a whole character of several bytes.
+int ReadKey() {
+    g_uiKey = 0;
+    int c = KeyByte(-1);
+    if (c < 0 || !g_bRaw) return c;
+    if (c == 0x1b) return ReadEscapeSequence();
+    if (c >= 0x80 && MB_CUR_MAX > 1) return ReadCharacter(c);
+    return c;
 }
 
 void MoveTo(int row, int col) {
@@ -130,20 +202,12 @@ int TermSetCursor(int shape) {
 
 int TermGetUnicode() {
     TermFlush();
-    int c = ReadByte(-1);
-    if (c == 0x1b && g_bRaw) {
-        int next = ReadByte(30);
-        if (next < 0) return 0x1b;
-        if (next != '[' && next != 'O') return kKeySequence;
-        int param = 0;
-        for (;;) {
-            int b = ReadByte(30);
-            if (b < 0) return kKeySequence;
-            if (b >= '0' && b <= '9') param = param * 10 + (b - '0');
-            if (b >= 0x40 && b <= 0x7e) return (b == '~' && param == 3) ? kKeyDelete : kKeySequence;
-        }
-    }
-    return c;
+    return ReadKey();
+}
+
+const char* TermKeyText(size_t* length) {
+    *length = g_uiKey;
+    return g_acKey;
 }
 
 int TermConvIn(int key) {
@@ -155,7 +219,7 @@ int TermConvIn(int key) {
 void TermMvwaddch(int /*win*/, int row, int col, int ch) {
     MoveTo(row, col);
     TermPut(ch);
-    ++g_iInCol;
+    if (g_iInCol < INT_MAX) ++g_iInCol;
 }
 
 void TermMoveInput(int row, int col) { MoveTo(row, col); }
@@ -168,7 +232,7 @@ void pagewait() {
     if (show) TermWrite("Press any key to continue");
     TermFlush();
     EnterRaw();
-    ReadByte(-1);
+    ReadKey();
     LeaveRaw();
     if (show) {
         // Take the prompt away again: back to the line start, erase to its end.

@@ -109,6 +109,11 @@ void WriteWaiting() {
     }
 }
 
+int Saturated(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : static_cast<int>(v); }
+
+void AdvanceColumn() {
+    if (g_iColumn < INT_MAX) ++g_iColumn;
+}
 
 // Where the cursor goes for one byte of output: text advances it, and screen codes move it as
 // the terminal will. Bytes of a UTF-8 sequence after its first take no column; other bytes in
@@ -123,7 +128,7 @@ void Track(unsigned char c) {
     g_iTrackNeed = 0;
     if (c >= 0xc2 && c <= 0xf4) {
         g_iTrackNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
-        ++g_iColumn;
+        AdvanceColumn();
         return;
     }
     switch (c) {
@@ -135,14 +140,14 @@ void Track(unsigned char c) {
             g_iColumn = 0;
             return;
         case '\b': g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0; return;
-        case '\t': g_iColumn = (g_iColumn / 8 + 1) * 8; return;
-        case 0x06: ++g_iColumn; return;  // cursor right
+        case '\t': g_iColumn = Saturated((static_cast<long long>(g_iColumn) / 8 + 1) * 8); return;
+        case 0x06: AdvanceColumn(); return;  // cursor right
         default: break;
     }
     if ((c >= 0x20 && c < 0x7f) || c >= 0xc0)
-        ++g_iColumn;
+        AdvanceColumn();
     else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Box)
-        ++g_iColumn;
+        AdvanceColumn();
 }
 
 int PutSeqChar(int c) {
@@ -366,7 +371,7 @@ void TermMove(int row, int col) {
             Cap(tiparm(Str("cup"), row, col));
         } else {
             char seq[40];
-            snprintf(seq, sizeof seq, "\x1b[%d;%dH", row + 1, col + 1);
+            snprintf(seq, sizeof seq, "\x1b[%lld;%lldH", row + 1LL, col + 1LL);
             g_sOut += seq;
         }
         g_iColumn = col;
@@ -391,7 +396,7 @@ void TermMoveRelative(int rows, int cols) {
         if (rows > 0) repeat("cud1", "\x1b[B", rows);
         if (cols < 0) repeat("cub1", "\b", -cols);
         if (cols > 0) repeat("cuf1", "\x1b[C", cols);
-        g_iColumn += cols;
+        g_iColumn = Saturated(static_cast<long long>(g_iColumn) + cols);
     }
     if (g_bTty) TermFlush();
 }
