@@ -55,41 +55,64 @@ double Tod() {
     return total;
 }
 
+namespace {
+
+long long LeapYear(long long year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 1 : 0; }
+
+// Days from 1 January of the year 1 to 1 January of `year` (a year from 1 on).
+long long DaysBeforeYear(long long year) {
+    long long y = year - 1;
+    return 365 * y + y / 4 - y / 100 + y / 400;
+}
+
+// The year in which day `day` lies, counting days from 1 January 1900 (day 0); in constant time,
+// from the 146097 days of 400 years, then corrected by the exact count.
+long long YearOfDay(long long day) {
+    const long long base = DaysBeforeYear(1900);
+    long long year = 1900 + day * 400 / 146097;
+    while (year > 1900 && DaysBeforeYear(year) - base > day) --year;
+    while (DaysBeforeYear(year + 1) - base <= day) ++year;
+    return year;
+}
+
+}  // namespace
+
 // The day of the month is counted from 0: the first day of a month gives day 0.
+//
+// Whole years are taken off while more than a year is left, so a count of exactly a year's length
+// stays in that year: the year is the one holding second t - 1, found by calendar arithmetic for
+// any t. The year stored is the count of years from 1900, as the tm record's int takes it (beyond
+// its range, modulo 2^32).
 CBString Strtime(const char* format, long t) {
-    int year = 1900;
-    for (;;) {
-        long len = IsLeapYear(year) ? kLeapYearSeconds : kYearSeconds;
-        if (t - len > 0) {
-            t -= len;
-            ++year;
-        } else {
-            break;
-        }
+    long long rest = t;
+    long long year = 1900;
+    if (rest > 0) {
+        year = YearOfDay((rest - 1) / 86400);
+        rest -= (DaysBeforeYear(year) - DaysBeforeYear(1900)) * 86400;
     }
-    int leap = IsLeapYear(year) ? 1 : 0;
+    long long leap = LeapYear(year);
     int month = 0;
     for (int m = 1; m < 12; ++m) {
-        long len = b_aiDays[leap][m] * 86400L;
-        if (t > len) {
-            t -= len;
+        long long len = b_aiDays[leap][m] * 86400LL;
+        if (rest > len) {
+            rest -= len;
             ++month;
         } else {
             break;
         }
     }
-    long day = 0;
-    if (t > 86400) {
-        day = (t - 1) / 86400;
-        t -= day * 86400;
+    long long day = 0;
+    if (rest > 86400) {
+        day = (rest - 1) / 86400;
+        rest -= day * 86400;
     }
-    long hours = t / 3600;
-    long minutes = (t - hours * 3600) / 60;
-    long seconds = t - hours * 3600 - minutes * 60;
+    long long hours = rest / 3600;
+    long long minutes = (rest - hours * 3600) / 60;
+    long long seconds = rest - hours * 3600 - minutes * 60;
 
     struct tm tmv;
     memset(&tmv, 0, sizeof tmv);
-    tmv.tm_year = year - 1900;
+    tmv.tm_year = static_cast<int>(year - 1900);
     tmv.tm_mon = month;
     tmv.tm_mday = static_cast<int>(day);
     tmv.tm_hour = static_cast<int>(hours);

@@ -1,7 +1,9 @@
 // &SYSTEM: facts about the running system, chosen by a keyword taken literally.
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <limits>
 
 #include "expression.h"
 #include "kavro.h"
@@ -21,6 +23,16 @@ void DateKeyword(Parser* p) { PushString(p, Date(0)); }
 
 void Day(Parser* p) { PushInteger(p, LocalNow().tm_wday); }
 
+// Seconds for FTIME from a double: truncated toward zero. Not a number counts as 0, and a value
+// beyond the range of a long as the nearest end of that range.
+long FtimeSeconds(double d) {
+    const double limit = std::ldexp(1.0, std::numeric_limits<long>::digits);
+    if (std::isnan(d)) return 0;
+    if (d >= limit) return std::numeric_limits<long>::max();
+    if (d < -limit) return std::numeric_limits<long>::min();
+    return static_cast<long>(d);
+}
+
 // FTIME format seconds: the two arguments after the keyword.
 void Ftime(Parser* p) {
     GetNextToken(p);
@@ -29,8 +41,8 @@ void Ftime(Parser* p) {
     Eval(p, &seconds, false);
     long t = 0;
     switch (seconds.eType) {
-        case VarFloat: t = static_cast<long>(seconds.dValue); break;
-        case VarString: t = static_cast<long>(strtod(seconds.sValue, nullptr)); break;
+        case VarFloat: t = FtimeSeconds(seconds.dValue); break;
+        case VarString: t = FtimeSeconds(strtod(seconds.sValue, nullptr)); break;
         case VarInteger: t = seconds.iValue; break;
         default: t = 0; break;
     }

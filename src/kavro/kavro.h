@@ -85,6 +85,9 @@ TermWin TermGetWin();
 int TermGetActive();
 int TermSetCursor(int shape);  // returns the previous shape
 int TermGetUnicode();          // next key, or -1 at end of input
+// The bytes of the key TermGetUnicode returned last: one byte, or every byte of an escape
+// sequence or of a character typed on the terminal.
+const char* TermKeyText(size_t* length);
 int TermConvIn(int key);
 // Writes ch at a position of the line being edited: rows and columns relative to where
 // TermGetWin found the cursor (row 0), columns counted from the left edge.

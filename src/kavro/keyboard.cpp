@@ -1,23 +1,29 @@
 // Keyboard input: keys from the terminal in raw mode (restored on every way out), or bytes of
 // standard input when it is not a terminal; and the cursor bookkeeping of the line editor.
 #include <poll.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
+#include <cwchar>
 
 #include "kavro.h"
+#include "signals.h"
 
 namespace kavro {
 
 namespace {
 
 struct termios g_saved;
-bool g_bRaw = false;
-bool g_bHandlers = false;
+struct termios g_raw;
+// The terminal is in raw mode; and raw input is on, though a stop may have handed the terminal
+// back for a while.
+volatile sig_atomic_t g_bRaw = 0;
+volatile sig_atomic_t g_bRawInput = 0;
+bool g_bAtExit = false;
 int g_iCursor = 0;
 
 // Line-editor cursor, relative to the start of the input, and the wrap width (0: none).
@@ -25,62 +31,62 @@ int g_iInRow = 0;
 int g_iInCol = 0;
 int g_iWidth = 0;
 
-constexpr int kKeySequence = 0x1000;  // an escape sequence with no meaning for line input
-constexpr int kKeyDelete = 0x2000;    // the Delete key
+// Key codes beyond every character.
+constexpr int kKeySequence = 0x110000;  // an escape sequence with no meaning for line input
+constexpr int kKeyDelete = 0x110001;    // the Delete key
+// How long the rest of a key may take after its first byte.
+constexpr int kKeyRestMs = 30;
+// Numbers in escape sequences stop growing here; only small ones name keys.
+constexpr int kSequenceNumberLimit = 100000;
+
+// The bytes of the last key read, and a byte read too far that the next key starts with.
+char g_acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
+size_t g_uiKey = 0;
+int g_iUnread = -1;
 
 void LeaveRaw() {
-    if (g_bRaw) {
-        tcsetattr(0, TCSANOW, &g_saved);
-        g_bRaw = false;
-    }
-}
-
-void EnterRaw();
-
-void OnSignal(int sig) {
-    bool wasRaw = g_bRaw;
+    SignalGuard guard;
     if (g_bRaw) tcsetattr(0, TCSANOW, &g_saved);
-    g_bRaw = false;
-    if (sig == SIGTSTP) {
-        signal(SIGTSTP, SIG_DFL);
-        raise(SIGTSTP);
-        // Continued: back to raw input if it was on.
-        signal(SIGTSTP, OnSignal);
-        if (wasRaw) EnterRaw();
-        return;
-    }
-    signal(sig, SIG_DFL);
-    raise(sig);
+    g_bRaw = 0;
+    g_bRawInput = 0;
+    SignalsRawInput(false);
 }
 
 void EnterRaw() {
-    if (g_bRaw || !isatty(0)) return;
+    if (g_bRawInput || !isatty(0)) return;
+    SignalGuard guard;
     if (tcgetattr(0, &g_saved) != 0) return;
-    if (!g_bHandlers) {
-        g_bHandlers = true;
+    if (!g_bAtExit) {
+        g_bAtExit = true;
         atexit(LeaveRaw);
-        for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
-            struct sigaction sa {};
-            sa.sa_handler = OnSignal;
-            sigemptyset(&sa.sa_mask);
-            sigaction(sig, &sa, nullptr);
-        }
     }
-    struct termios raw = g_saved;
-    raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
-    raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
-    raw.c_cc[VMIN] = 1;
-    raw.c_cc[VTIME] = 0;
+    g_raw = g_saved;
+    g_raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
+    g_raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
+    g_raw.c_cc[VMIN] = 1;
+    g_raw.c_cc[VTIME] = 0;
     // TCSANOW, not TCSAFLUSH: keys typed ahead stay for the input that reads them.
-    if (tcsetattr(0, TCSANOW, &raw) == 0) g_bRaw = true;
+    if (tcsetattr(0, TCSANOW, &g_raw) == 0) {
+        g_bRaw = 1;
+        g_bRawInput = 1;
+        SignalsRawInput(true);
+    }
 }
 
 int ReadByte(int timeoutMs) {
+    if (g_iUnread >= 0) {
+        int c = g_iUnread;
+        g_iUnread = -1;
+        return c;
+    }
     if (timeoutMs >= 0) {
         struct pollfd pfd {
             0, POLLIN, 0
         };
-        if (poll(&pfd, 1, timeoutMs) <= 0) return -1;
+        int ready;
+        while ((ready = poll(&pfd, 1, timeoutMs)) < 0 && errno == EINTR) {
+        }
+        if (ready <= 0) return -1;
     }
     unsigned char c = 0;
     for (;;) {
@@ -89,6 +95,58 @@ int ReadByte(int timeoutMs) {
         if (n < 0 && errno == EINTR) continue;
         return -1;
     }
+}
+
+int KeyByte(int timeoutMs) {
+    int c = ReadByte(timeoutMs);
+    if (c >= 0 && g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = static_cast<char>(c);
+    return c;
+}
+
+// After an escape: a control sequence (ESC [ or ESC O, up to its final byte) is one key.
+int ReadEscapeSequence() {
+    int next = KeyByte(kKeyRestMs);
+    if (next < 0) return 0x1b;
+    if (next != '[' && next != 'O') return kKeySequence;
+    int param = 0;
+    for (;;) {
+        int b = KeyByte(kKeyRestMs);
+        if (b < 0) return kKeySequence;
+        if (b >= '0' && b <= '9') param = param < kSequenceNumberLimit ? param * 10 + (b - '0') : param;
+        if (b >= 0x40 && b <= 0x7e) return (b == '~' && param == 3) ? kKeyDelete : kKeySequence;
+    }
+}
+
+// A character of several bytes is one key: its code. A byte that cannot continue it begins the
+// next key; a broken character is a key with no meaning.
+int ReadCharacter(int first) {
+    mbstate_t state{};
+    char b = static_cast<char>(first);
+    wchar_t wc = 0;
+    size_t r = mbrtowc(&wc, &b, 1, &state);
+    while (r == static_cast<size_t>(-2)) {
+        int next = ReadByte(kKeyRestMs);
+        if (next < 0) return kKeySequence;
+        b = static_cast<char>(next);
+        r = mbrtowc(&wc, &b, 1, &state);
+        if (r == static_cast<size_t>(-1)) {
+            g_iUnread = next;
+            return kKeySequence;
+        }
+        if (g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = b;
+    }
+    if (r == static_cast<size_t>(-1)) return kKeySequence;
+    return g_uiKey > 1 ? static_cast<int>(wc) : first;
+}
+
+// One key: a byte, or on the terminal an escape sequence or a whole character of several bytes.
+int ReadKey() {
+    g_uiKey = 0;
+    int c = KeyByte(-1);
+    if (c < 0 || !g_bRaw) return c;
+    if (c == 0x1b) return ReadEscapeSequence();
+    if (c >= 0x80 && MB_CUR_MAX > 1) return ReadCharacter(c);
+    return c;
 }
 
 void MoveTo(int row, int col) {
@@ -144,21 +202,14 @@ int TermSetCursor(int shape) {
 
 int TermGetUnicode() {
     TermFlush();
-    int c = ReadByte(-1);
+    int key = ReadKey();
     ++uiOutsideTurns;
-    if (c == 0x1b && g_bRaw) {
-        int next = ReadByte(30);
-        if (next < 0) return 0x1b;
-        if (next != '[' && next != 'O') return kKeySequence;
-        int param = 0;
-        for (;;) {
-            int b = ReadByte(30);
-            if (b < 0) return kKeySequence;
-            if (b >= '0' && b <= '9') param = param * 10 + (b - '0');
-            if (b >= 0x40 && b <= 0x7e) return (b == '~' && param == 3) ? kKeyDelete : kKeySequence;
-        }
-    }
-    return c;
+    return key;
+}
+
+const char* TermKeyText(size_t* length) {
+    *length = g_uiKey;
+    return g_acKey;
 }
 
 int TermConvIn(int key) {
@@ -170,7 +221,7 @@ int TermConvIn(int key) {
 void TermMvwaddch(int /*win*/, int row, int col, int ch) {
     MoveTo(row, col);
     TermPut(ch);
-    ++g_iInCol;
+    if (g_iInCol < INT_MAX) ++g_iInCol;
 }
 
 void TermMoveInput(int row, int col) { MoveTo(row, col); }
@@ -183,7 +234,7 @@ void pagewait() {
     if (show) TermWrite("Press any key to continue");
     TermFlush();
     EnterRaw();
-    ReadByte(-1);
+    ReadKey();
     ++uiOutsideTurns;
     LeaveRaw();
     if (show) {
@@ -192,6 +243,20 @@ void pagewait() {
         TermPut(0x17);
         TermFlush();
     }
+}
+
+bool KeyboardSuspendRaw() {
+    if (!g_bRaw) return false;
+    tcsetattr(0, TCSANOW, &g_saved);
+    g_bRaw = 0;
+    return true;
+}
+
+void KeyboardResumeRaw() {
+    // Continued in the background the terminal stays as it is: raw mode comes back with the
+    // continue that brings the process to the foreground.
+    if (!g_bRawInput || tcgetpgrp(0) != getpgrp()) return;
+    if (tcsetattr(0, TCSANOW, &g_raw) == 0) g_bRaw = 1;
 }
 
 }  // namespace kavro

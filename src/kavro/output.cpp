@@ -2,8 +2,15 @@
 // flush. In raw mode the bytes go out exactly as produced. In ansi mode carriage returns end
 // lines and the one-byte screen codes become the terminal's own sequences (from terminfo); in
 // text mode carriage returns become line feeds and screen codes are dropped.
+//
+// A signal that ends the run writes what is still buffered (signals.cpp): the buffer changes only
+// under a signal guard, and what has been written of it is counted with the signals held back,
+// so the signal path writes each byte exactly once.
 #include <curses.h>
 #include <langinfo.h>
+#include <limits.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <term.h>
 #include <unistd.h>
 
@@ -15,6 +22,7 @@
 #include <ctime>
 
 #include "kavro.h"
+#include "signals.h"
 #include "terminal_codes.h"
 
 namespace kavro {
@@ -23,9 +31,19 @@ namespace {
 
 TermMode g_mode = TermMode::Raw;
 std::string g_sOut;
+volatile size_t g_uiWritten = 0;  // bytes at the start of g_sOut already written
 std::string* g_pCapture = nullptr;
 bool g_bTty = false;
 int g_iColumn = 0;
+
+// Writes to a pipe, a socket or a terminal go in pieces small enough not to block once the
+// output has room; a regular file takes everything at once.
+size_t g_uiPiece = PIPE_BUF;
+bool g_bFailed = false;   // a write failed: the run is ending, nothing more is written
+bool g_bExiting = false;  // the buffer is being written at the end of the run
+volatile sig_atomic_t g_bClosed = 0;
+// How long the signal path waits for a stalled output before giving up what is left.
+constexpr int kSignalWaitMs = 1000;
 
 // ansi mode state
 bool g_bTerminfo = false;
@@ -48,18 +66,53 @@ long MonotonicNanoseconds() {
     return ts.tv_sec * 1000000000L + ts.tv_nsec;
 }
 
-void WriteAll(const char* p, size_t n) {
-    if (g_pCapture) {
-        g_pCapture->append(p, n);
-        return;
+// A write error ends the run: output that cannot be written must not pass for a success.
+[[noreturn]] void WriteFailed(int error) {
+    {
+        SignalGuard guard;
+        g_bFailed = true;
+        g_sOut.clear();
+        g_uiWritten = 0;
     }
-    while (n > 0) {
-        ssize_t w = write(1, p, n);
-        if (w < 0 && errno == EINTR) continue;
-        if (w <= 0) return;
-        p += w;
-        n -= static_cast<size_t>(w);
+    std::string message = "kvexec: write error: ";
+    message += strerror(error);
+    message += "\n";
+    ssize_t rc = write(2, message.data(), message.size());
+    (void)rc;
+    if (g_bExiting) _exit(1);
+    exit(1);
+}
+
+// Writes the rest of the buffer. An output that cannot take more just now (a full pipe, a
+// non-blocking descriptor) is waited for; signals are handled while waiting.
+void WriteWaiting() {
+    while (g_uiWritten < g_sOut.size()) {
+        struct pollfd pfd {
+            1, POLLOUT, 0
+        };
+        if (poll(&pfd, 1, -1) < 0) {
+            if (errno == EINTR || errno == EAGAIN) continue;
+            WriteFailed(errno);
+        }
+        sigset_t saved;
+        SignalsHold(&saved);
+        size_t from = g_uiWritten;
+        size_t n = g_sOut.size() - from;
+        if (n > g_uiPiece) n = g_uiPiece;
+        ssize_t w = n > 0 ? write(1, g_sOut.data() + from, n) : 0;
+        int error = errno;
+        if (w > 0) g_uiWritten = from + static_cast<size_t>(w);
+        SignalsRelease(&saved);
+        if (w < 0 && (error == EINTR || error == EAGAIN || error == EWOULDBLOCK)) continue;
+        if (w < 0) WriteFailed(error);
+        if (w == 0 && n > 0) WriteFailed(EIO);
     }
+}
+
+int Saturated(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : static_cast<int>(v); }
+
+void AdvanceColumn() {
+    if (g_iColumn < INT_MAX) ++g_iColumn;
 }
 
 // Where the cursor goes for one byte of output: text advances it, and screen codes move it as
@@ -75,7 +128,7 @@ void Track(unsigned char c) {
     g_iTrackNeed = 0;
     if (c >= 0xc2 && c <= 0xf4) {
         g_iTrackNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
-        ++g_iColumn;
+        AdvanceColumn();
         return;
     }
     switch (c) {
@@ -87,14 +140,14 @@ void Track(unsigned char c) {
             g_iColumn = 0;
             return;
         case '\b': g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0; return;
-        case '\t': g_iColumn = (g_iColumn / 8 + 1) * 8; return;
-        case 0x06: ++g_iColumn; return;  // cursor right
+        case '\t': g_iColumn = Saturated((static_cast<long long>(g_iColumn) / 8 + 1) * 8); return;
+        case 0x06: AdvanceColumn(); return;  // cursor right
         default: break;
     }
     if ((c >= 0x20 && c < 0x7f) || c >= 0xc0)
-        ++g_iColumn;
+        AdvanceColumn();
     else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Box)
-        ++g_iColumn;
+        AdvanceColumn();
 }
 
 int PutSeqChar(int c) {
@@ -220,12 +273,15 @@ void Translate(unsigned char c) {
 }
 
 void Emit(const char* p, size_t n) {
-    if (g_sOut.empty()) g_lPendingSince = MonotonicNanoseconds();
-    for (size_t i = 0; i < n; ++i) Track(static_cast<unsigned char>(p[i]));
-    if (g_mode == TermMode::Raw)
-        g_sOut.append(p, n);
-    else
-        for (size_t i = 0; i < n; ++i) Translate(static_cast<unsigned char>(p[i]));
+    {
+        SignalGuard guard;
+        if (g_sOut.empty()) g_lPendingSince = MonotonicNanoseconds();
+        for (size_t i = 0; i < n; ++i) Track(static_cast<unsigned char>(p[i]));
+        if (g_mode == TermMode::Raw)
+            g_sOut.append(p, n);
+        else
+            for (size_t i = 0; i < n; ++i) Translate(static_cast<unsigned char>(p[i]));
+    }
     if (g_bTty || g_sOut.size() >= kFlushAt) TermFlush();
 }
 
@@ -237,7 +293,16 @@ void SetupTerminfo() {
     g_bUtf8 = cs && (strcasecmp(cs, "UTF-8") == 0 || strcasecmp(cs, "utf8") == 0);
 }
 
-void FlushAtExit() { TermFlush(); }
+void FlushAtExit() {
+    g_bExiting = true;
+    TermFlush();
+    g_bClosed = 1;
+}
+
+void ChooseWritePiece() {
+    struct stat st {};
+    g_uiPiece = (fstat(1, &st) == 0 && S_ISREG(st.st_mode)) ? SIZE_MAX : PIPE_BUF;
+}
 
 }  // namespace
 
@@ -246,7 +311,9 @@ void TermInit() {
     if (!once) {
         once = true;
         atexit(FlushAtExit);
+        SignalsInit();
     }
+    ChooseWritePiece();
     g_bTty = isatty(1) != 0;
     const char* m = getenv("KVEXEC_TERM");
     TermMode mode = g_bTty ? TermMode::Ansi : TermMode::Raw;
@@ -261,6 +328,7 @@ void TermInit() {
 
 void TermSetMode(TermMode mode) {
     TermFlush();
+    SignalGuard guard;
     g_mode = mode;
     g_uiAttrs = 0;
     g_iPending = g_iNeed = 0;
@@ -297,14 +365,17 @@ void TermPut(int c) {
 
 void TermMove(int row, int col) {
     if (g_mode == TermMode::Text) return;
-    if (g_mode == TermMode::Ansi && g_bTerminfo) {
-        Cap(tiparm(Str("cup"), row, col));
-    } else {
-        char seq[40];
-        snprintf(seq, sizeof seq, "\x1b[%d;%dH", row + 1, col + 1);
-        g_sOut += seq;
+    {
+        SignalGuard guard;
+        if (g_mode == TermMode::Ansi && g_bTerminfo) {
+            Cap(tiparm(Str("cup"), row, col));
+        } else {
+            char seq[40];
+            snprintf(seq, sizeof seq, "\x1b[%lld;%lldH", row + 1LL, col + 1LL);
+            g_sOut += seq;
+        }
+        g_iColumn = col;
     }
-    g_iColumn = col;
     if (g_bTty) TermFlush();
 }
 
@@ -319,21 +390,27 @@ void TermMoveRelative(int rows, int cols) {
                 g_sOut += fallback;
         }
     };
-    if (rows < 0) repeat("cuu1", "\x1b[A", -rows);
-    if (rows > 0) repeat("cud1", "\x1b[B", rows);
-    if (cols < 0) repeat("cub1", "\b", -cols);
-    if (cols > 0) repeat("cuf1", "\x1b[C", cols);
-    g_iColumn += cols;
+    {
+        SignalGuard guard;
+        if (rows < 0) repeat("cuu1", "\x1b[A", -rows);
+        if (rows > 0) repeat("cud1", "\x1b[B", rows);
+        if (cols < 0) repeat("cub1", "\b", -cols);
+        if (cols > 0) repeat("cuf1", "\x1b[C", cols);
+        g_iColumn = Saturated(static_cast<long long>(g_iColumn) + cols);
+    }
     if (g_bTty) TermFlush();
 }
 
 void TermCarriageReturn() {
-    const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str("cr") : nullptr;
-    if (s)
-        Cap(s);
-    else
-        g_sOut += "\r";
-    g_iColumn = 0;
+    {
+        SignalGuard guard;
+        const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str("cr") : nullptr;
+        if (s)
+            Cap(s);
+        else
+            g_sOut += "\r";
+        g_iColumn = 0;
+    }
     if (g_bTty) TermFlush();
 }
 
@@ -341,8 +418,16 @@ bool TermDelaysWrap() { return !(g_mode == TermMode::Ansi && g_bTerminfo) || tig
 
 void TermFlush() {
     if (g_sOut.empty()) return;
-    WriteAll(g_sOut.data(), g_sOut.size());
+    if (g_pCapture) {
+        SignalGuard guard;
+        g_pCapture->append(g_sOut);
+        g_sOut.clear();
+        return;
+    }
+    if (!g_bFailed) WriteWaiting();
+    SignalGuard guard;
     g_sOut.clear();
+    g_uiWritten = 0;
 }
 
 void TermFlushIfStale() {
@@ -351,8 +436,30 @@ void TermFlushIfStale() {
 
 int TermColumn() { return g_iColumn; }
 
+// The signal path: nothing here may allocate or take a lock.
+void OutputWriteWaiting() {
+    if (g_pCapture || g_bFailed || g_bClosed) return;
+    const char* p = g_sOut.data();
+    size_t size = g_sOut.size();
+    while (g_uiWritten < size) {
+        struct pollfd pfd {
+            1, POLLOUT, 0
+        };
+        int ready = poll(&pfd, 1, kSignalWaitMs);
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) return;
+        size_t n = size - g_uiWritten;
+        if (n > g_uiPiece) n = g_uiPiece;
+        ssize_t w = write(1, p + g_uiWritten, n);
+        if (w < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK)) continue;
+        if (w <= 0) return;
+        g_uiWritten = g_uiWritten + static_cast<size_t>(w);
+    }
+}
+
 void TermCapture(std::string* sink) {
     TermFlush();
+    SignalGuard guard;
     g_pCapture = sink;
     g_bTty = !sink && isatty(1) != 0;
 }

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "kavro.h"
+#include "signals.h"
 
 extern char** environ;
 
@@ -77,10 +78,15 @@ int t_system(const char* command) {
     char* argv[] = {sh, dashc, const_cast<char*>(command), nullptr};
     pid_t pid = 0;
     int status = 127;
-    if (posix_spawn(&pid, "/bin/sh", &actions, &attr, argv, environ) == 0) {
+    // Terminate and hangup go on to the command, and end the run once it has ended.
+    SignalsCommandStarting();
+    bool started = posix_spawn(&pid, "/bin/sh", &actions, &attr, argv, environ) == 0;
+    SignalsCommandStarted(started ? pid : 0);
+    if (started) {
         int ws = 0;
         while (waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
         }
+        SignalsCommandEnded();
         if (WIFEXITED(ws))
             status = WEXITSTATUS(ws);
         else if (WIFSIGNALED(ws))

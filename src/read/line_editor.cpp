@@ -1,7 +1,9 @@
 // The line editor: keyboard line input with its editing keys, or a line from the keyboard stack.
 #include "line_editor.h"
 
+#include <climits>
 #include <string>
+#include <vector>
 
 #include "kavro.h"
 
@@ -25,6 +27,24 @@ int ApplyCaseMode(int c) {
     }
 }
 
+// The text typed so far, a character at a time: a character typed on the terminal may take
+// several bytes, and erasing takes it away whole.
+struct Input {
+    std::string sText;
+    std::vector<unsigned char> aLengths;
+
+    bool Empty() const { return aLengths.empty(); }
+    size_t Characters() const { return aLengths.size(); }
+    void Add(const char* bytes, size_t n) {
+        sText.append(bytes, n);
+        aLengths.push_back(static_cast<unsigned char>(n));
+    }
+    void RemoveLast() {
+        sText.resize(sText.size() - aLengths.back());
+        aLengths.pop_back();
+    }
+};
+
 struct Cursor {
     int iRow;
     int iCol;
@@ -39,7 +59,7 @@ struct Cursor {
         }
     }
     void Forward() {
-        ++iCol;
+        if (iCol < INT_MAX) ++iCol;
         if (iWidth > 0 && iCol >= iWidth) {
             iCol = 0;
             ++iRow;
@@ -54,21 +74,21 @@ void Read(char* buffer, unsigned long size, int autoCount) {
     int win = (w.iKind == 2 && w.iActive == 1) ? kavro::TermGetActive() : 252;
     Cursor start{w.iRow, w.iCol, w.iWidth};
     Cursor at = start;
-    std::string input;
+    Input input;
     buffer[0] = '\0';
     int shape = kavro::TermSetCursor(2);
 
     if (kavro::t_StackReady(true)) {
         bool complete = false;
         CBString line = kavro::t_StackRead(autoCount, &complete, true);
-        input = line.str();
+        input.sText = line.str();
         if (kavro::t_bStackShow) kavro::TermWrite(line.data(), static_cast<size_t>(line.length()));
     } else {
         for (;;) {
             int key = kavro::TermConvIn(kavro::TermGetUnicode());
             if (key == kKeyBackspace || key == kKeyDelete) {
-                if (!input.empty()) {
-                    input.pop_back();
+                if (!input.Empty()) {
+                    input.RemoveLast();
                     at.Back();
                     kavro::TermMvwaddch(win, at.iRow, at.iCol, ' ');
                     kavro::TermMoveInput(at.iRow, at.iCol);
@@ -77,12 +97,12 @@ void Read(char* buffer, unsigned long size, int autoCount) {
                     break;
                 }
             } else if (key == kKeyCancel) {
-                if (input.empty()) {
+                if (input.Empty()) {
                     kavro::TermPut(kEnter);
                     break;
                 }
-                while (!input.empty()) {
-                    input.pop_back();
+                while (!input.Empty()) {
+                    input.RemoveLast();
                     at.Back();
                     kavro::TermMvwaddch(win, at.iRow, at.iCol, ' ');
                     kavro::TermMoveInput(at.iRow, at.iCol);
@@ -94,12 +114,26 @@ void Read(char* buffer, unsigned long size, int autoCount) {
                 // Enter, any other control key, and the end of input.
                 kavro::TermPut(kEnter);
                 break;
-            } else if (input.size() < size - 1) {
-                int c = kavro::TermIsInteractive() ? ApplyCaseMode(key) : key;
-                input += static_cast<char>(c);
-                kavro::TermMvwaddch(win, at.iRow, at.iCol, c);
-                at.Forward();
-                if (autoCount != 0 && input.size() == static_cast<size_t>(autoCount)) break;
+            } else {
+                size_t length = 0;
+                const char* text = kavro::TermKeyText(&length);
+                if (length > 1) {
+                    // A character of several bytes: kept as typed, and echoed in one column.
+                    if (input.sText.size() + length <= size - 1) {
+                        input.Add(text, length);
+                        kavro::TermMvwaddch(win, at.iRow, at.iCol, static_cast<unsigned char>(text[0]));
+                        kavro::TermWrite(text + 1, length - 1);
+                        at.Forward();
+                        if (autoCount != 0 && input.Characters() == static_cast<size_t>(autoCount)) break;
+                    }
+                } else if (input.sText.size() < size - 1) {
+                    int c = kavro::TermIsInteractive() ? ApplyCaseMode(key) : key;
+                    char byte = static_cast<char>(c);
+                    input.Add(&byte, 1);
+                    kavro::TermMvwaddch(win, at.iRow, at.iCol, c);
+                    at.Forward();
+                    if (autoCount != 0 && input.Characters() == static_cast<size_t>(autoCount)) break;
+                }
             }
             kavro::TermUpdate();
         }
@@ -107,7 +141,7 @@ void Read(char* buffer, unsigned long size, int autoCount) {
 
     kavro::TermSetCursor(shape);
     kavro::TermUpdate();
-    size_t n = input.size() < size - 1 ? input.size() : size - 1;
-    input.copy(buffer, n);
+    size_t n = input.sText.size() < size - 1 ? input.sText.size() : size - 1;
+    input.sText.copy(buffer, n);
     buffer[n] = '\0';
 }

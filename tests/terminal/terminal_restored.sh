@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # After kvexec has read keys in raw mode, the terminal must be handed back as it was found,
 # whichever way the run ends: at the end of the script, by &QUIT straight after an AUTOCR read,
-# by an error, or by SIGTERM while it is waiting for a key. Checked three ways for each ending:
+# by an error, by SIGTERM while it is waiting for a key, or by SIGPIPE when its output goes to a
+# pipe that nobody reads. Checked three ways for each ending:
 # the terminal settings saved before and after the run (stty -g) are identical; the terminal is
 # in canonical mode with echo on; and a shell reading a line afterwards shows the typed text,
 # honours the erase key, and gets the line when Enter is pressed.
 . "$(dirname "$0")/lib/tmux_session.bash"
 kvx_setup "$@"
+command -v perl > /dev/null 2>&1 || kvx_skip "perl is not installed"
 
 # What runs in the pane after kvexec: a shell reading one line in cooked mode.
 AFTER='printf "\nshell> "
@@ -103,6 +105,20 @@ kill -TERM "$pid"
 kvx_wait_exit
 [ "$(cat "$KVX_DIR/status")" != 0 ] || kvx_fail "a run ended by SIGTERM reported success"
 check_restored "SIGTERM during a read"
+kvx_stop
+
+# 5. SIGPIPE: standard output is a pipe whose reading end is closed, so the first output written
+# (the prompt, written before the first key is read, with the terminal already raw) ends the run.
+kvx_script <<'KVX'
+&READ &a
+&TYPE not reached
+KVX
+# shellcheck disable=SC2016
+KVX_RUN="perl -e 'pipe(my \$r, my \$w) or die; close \$r; open(STDOUT, \">&\", \$w) or die; exec @ARGV or die' $(kvx_command)"
+kvx_start 60 16 "$AFTER"
+kvx_expect_status 141
+check_restored "SIGPIPE during a read"
+unset KVX_RUN
 kvx_stop
 
 kvx_pass

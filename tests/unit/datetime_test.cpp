@@ -3,9 +3,13 @@
 // Day numbers used below count from 1900-01-01 = day 1. The years 1900 to 1999 hold 100 * 365
 // days plus 24 leap days (1904 ... 1996; 1900 is not a leap year), 36524 days in all, so
 // 1999-12-31 is day 36524 and 2000-01-01 is day 36525; 2000-02-29 is 36525 + 31 + 28 = 36584.
+#include <climits>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "test_support.h"
 
@@ -209,6 +213,128 @@ TEST_F(DateTime, StrtimeMonthsAndYears) {
     EXPECT_EQ(Strtime("%Y %m %d %H:%M:%S", 31 * 86400 + 1).str(), "1900 02 00 00:00:01");
     EXPECT_EQ(Strtime("%Y %m %d", 31536000).str(), "1900 12 30");
     EXPECT_EQ(Strtime("%Y %m %d %H:%M:%S", 31536001).str(), "1901 01 00 00:00:01");
+}
+
+// The calendar is counted in closed form; it must give what taking off one year, then one month
+// at a time gives, wherever that loop ends without its int year overflowing. The loop below is
+// that reference, step by step.
+std::string StrtimeByLoop(const char* format, long t) {
+    int year = 1900;
+    for (;;) {
+        long len = IsLeapYear(year) ? 31622400 : 31536000;
+        if (t - len > 0) {
+            t -= len;
+            ++year;
+        } else {
+            break;
+        }
+    }
+    int leap = IsLeapYear(year) ? 1 : 0;
+    int month = 0;
+    for (int m = 1; m < 12; ++m) {
+        long len = b_aiDays[leap][m] * 86400L;
+        if (t > len) {
+            t -= len;
+            ++month;
+        } else {
+            break;
+        }
+    }
+    long day = 0;
+    while (t > 86400) {
+        t -= 86400;
+        ++day;
+    }
+    long hours = t / 3600;
+    long minutes = (t - hours * 3600) / 60;
+    long seconds = t - hours * 3600 - minutes * 60;
+    struct tm tmv;
+    memset(&tmv, 0, sizeof tmv);
+    tmv.tm_year = year - 1900;
+    tmv.tm_mon = month;
+    tmv.tm_mday = static_cast<int>(day);
+    tmv.tm_hour = static_cast<int>(hours);
+    tmv.tm_min = static_cast<int>(minutes);
+    tmv.tm_sec = static_cast<int>(seconds);
+    char buffer[100];
+    size_t n = strftime(buffer, sizeof buffer, format, &tmv);
+    return std::string(buffer, n);
+}
+
+constexpr const char* kEveryField = "%Y|%m|%d|%H|%M|%S";
+
+// Seconds from 1900 to the start of `year`.
+long SecondsBefore(int year) {
+    long total = 0;
+    for (int y = 1900; y < year; ++y) total += IsLeapYear(y) ? 31622400 : 31536000;
+    return total;
+}
+
+void ExpectAsLoop(long t) {
+    EXPECT_EQ(Strtime(kEveryField, t).str(), StrtimeByLoop(kEveryField, t)) << "seconds " << t;
+}
+
+TEST_F(DateTime, StrtimeAsTheLoopAroundEveryNewYearTo2500) {
+    // Both ends of every year, with the leap years 1904, 2000, 2400 and the common 1900, 2100.
+    for (int year = 1900; year <= 2500; ++year) {
+        long start = SecondsBefore(year);
+        for (long d : {-86401L, -86400L, -3601L, -1L, 0L, 1L, 86399L, 86400L, 86401L}) ExpectAsLoop(start + d);
+    }
+}
+
+TEST_F(DateTime, StrtimeAsTheLoopAtMonthEndsOfLeapAndCommonYears) {
+    for (int year : {1900, 1901, 1904, 1999, 2000, 2001, 2004, 2023, 2024, 2100, 2400}) {
+        long at = SecondsBefore(year);
+        int leap = IsLeapYear(year) ? 1 : 0;
+        for (int m = 1; m <= 12; ++m) {
+            at += b_aiDays[leap][m] * 86400L;
+            for (long d : {-86400L, -1L, 0L, 1L, 86400L}) ExpectAsLoop(at + d);
+        }
+    }
+}
+
+TEST_F(DateTime, StrtimeAsTheLoopOnWholeDays) {
+    for (long day = 0; day < 3 * 366; ++day) ExpectAsLoop(day * 86400);
+    for (long day = 0; day < 3000000; day += 997) ExpectAsLoop(day * 86400);
+}
+
+TEST_F(DateTime, StrtimeAsTheLoopForNothingOrLess) {
+    // No year is taken off: the negative rest goes into the time of day as it is.
+    for (long t : {0L, -1L, -59L, -60L, -3599L, -3600L, -86400L, -86401L, -31622400L, -4000000000L,
+                   LONG_MIN + 31622400L, LONG_MIN + 31622401L})
+        ExpectAsLoop(t);
+}
+
+TEST_F(DateTime, StrtimeAsTheLoopOverScatteredValues) {
+    // A fixed sequence, spread over the first ten thousand years and a few far beyond.
+    uint64_t x = 88172645463325252ULL;
+    for (int i = 0; i < 3000; ++i) {
+        x ^= x << 13;
+        x ^= x >> 7;
+        x ^= x << 17;
+        ExpectAsLoop(static_cast<long>(x % 320000000000ULL));
+    }
+    for (long t : {1000000000000L, 3155695200000L, 10000000000000L, 31556952000000L}) ExpectAsLoop(t);
+}
+
+TEST_F(DateTime, StrtimeBeyondTheLoopsReach) {
+    // Beyond the loop's reach the same arithmetic goes on in 64 bits, and the count of years
+    // from 1900 is stored as the tm record's int takes it (modulo 2^32).
+    //
+    // The largest long, 9223372036854775807 s: its last second lies in day 106751991167300
+    // counted from 1900-01-01 as day 0, which is day 106751991276507 from 1601-01-01 (1601 to
+    // 1900: 109207 days): 730692562 cycles of 400 years (146097 days) and 45993 days, that is
+    // 1 century (36524 days), 6 blocks of four years (1461 days), 1 year (365 days) and 338
+    // days. The year is 1601 + 292277024800 + 100 + 24 + 1 = 292277026526, a common year, and
+    // 338 days and 55807 s of it are left: January to November take 334 days, leaving day 04
+    // (counted from 0) of December at 15:30:07. Its count from 1900, 292277024626, is
+    // 219248498 modulo 2^32, so %Y shows 219250398.
+    EXPECT_EQ(Strtime("%Y %m %d %H:%M:%S", LONG_MAX).str(), "219250398 12 04 15:30:07");
+    // 10^17 s: day 1157407407407, 7922185 cycles and 54669 days: 1 century, 12 blocks, 1 year
+    // and 248 days: year 3168875750 (common), whose count from 1900, 3168873850, is
+    // -1126093446 as an int (%Y adds 1900). 248 days: January to August take 243, leaving day
+    // 05 of September; the time of day is 10^17 mod 86400 = 35200 s = 09:46:40.
+    EXPECT_EQ(Strtime("%Y %m %d %H:%M:%S", 100000000000000000L).str(), "-1126091546 09 05 09:46:40");
 }
 
 // ---- Tod ---------------------------------------------------------------------------------

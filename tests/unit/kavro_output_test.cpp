@@ -6,6 +6,7 @@
 //   el=\E[K  ed=\E[J  il1=\E[L  dl1=\E[M  dch1=\E[P  cup=\E[%i%p1%d;%p2%dH
 //   sgr=%?%p9%t\E(0%e\E(B%;\E[0%?%p6%t;1%;%?%p5%t;2%;%?%p2%t;4%;%?%p1%p3%|%t;7%;%?%p4%t;5%;%?%p7%t;8%;m
 // so sgr with nothing on is "\E(B\E[0m", with bold (p6) "\E(B\E[0;1m", and so on.
+#include <climits>
 #include <clocale>
 #include <cstdlib>
 #include <string>
@@ -280,6 +281,36 @@ TEST_F(KavroOutput, BackToRawAfterAnsi) {
     EXPECT_EQ(Write("\r"), "\r\n");
     kavro::TermSetMode(kavro::TermMode::Raw);
     EXPECT_EQ(Write("\r\x0c\xa0"), "\r\x0c\xa0");
+}
+
+// ---- the cursor column --------------------------------------------------------------------
+
+// More than 2^31 columns of output without a line end: the column stops at the largest int.
+TEST_F(KavroOutput, ColumnStopsAtTheLargestInt) {
+    kavro::TermMove(0, INT_MAX - 2);
+    EXPECT_EQ(Take(), "\x1b[1;2147483646H");
+    Write("abcdef");
+    EXPECT_EQ(kavro::TermColumn(), INT_MAX);
+    Write("\t\x06\xc3\xa9");
+    EXPECT_EQ(kavro::TermColumn(), INT_MAX);
+    kavro::TermMoveRelative(0, 5);
+    EXPECT_EQ(kavro::TermColumn(), INT_MAX);
+    Take();
+    Write("\r");
+    EXPECT_EQ(kavro::TermColumn(), 0);
+}
+
+TEST_F(KavroOutput, TabJustBelowTheLargestIntStopsThere) {
+    kavro::TermMove(0, INT_MAX - 3);
+    Write("\t");
+    EXPECT_EQ(kavro::TermColumn(), INT_MAX);
+    Write("\r");
+}
+
+TEST_F(KavroOutput, MoveToTheLastColumnOfAll) {
+    kavro::TermMove(INT_MAX, INT_MAX);
+    EXPECT_EQ(Take(), "\x1b[2147483648;2147483648H");
+    Write("\r");
 }
 
 }  // namespace

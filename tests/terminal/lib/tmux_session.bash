@@ -6,6 +6,10 @@
 #   kvx_script <<'EOF' ... EOF        writes the script to run (script.kvx in the work dir)
 #   kvx_start COLS ROWS [AFTER]       starts the session; AFTER is shell text run once kvexec ended
 #                                     (default: wait until the session is killed)
+#   KVX_RUN                           shell text that runs kvexec in the pane, if not just
+#                                     "$(kvx_command)"; its status is the run's status
+#   kvx_command                       the command line that runs kvexec on script.kvx
+#   kvx_skip MESSAGE                  ends the test as skipped (status 77): it cannot run here
 #   kvx_wait_text TEXT [SECONDS]      waits until TEXT occurs on the screen
 #   kvx_wait_row N TEXT [SECONDS]     waits until row N (from 0) is exactly TEXT
 #   kvx_wait_raw [SECONDS]            waits until the pane's terminal is out of canonical mode
@@ -23,6 +27,9 @@
 #
 # The run's exit status goes to a file, not to the screen, so the screen holds only what kvexec
 # wrote.
+#
+# A test that cannot run here (no tmux, no terminal to be had) ends with status 77, which ctest
+# reports as skipped; when CI is set, that is a failure instead.
 
 set -u
 
@@ -31,15 +38,17 @@ KVX_DIR=""
 KVX_SOCK="kvx$$"
 KVX_TIMEOUT=${KVX_TIMEOUT:-6}  # seconds for each wait; only a failing wait takes this long
 
-kvx_setup() {
-    if ! command -v tmux > /dev/null 2>&1; then
-        if [ -z "${CI:-}" ]; then
-            echo "$KVX_NAME: SKIPPED: tmux is not installed"
-            exit 0
-        fi
-        echo "$KVX_NAME: FAIL: tmux is not installed (required when CI is set)"
+kvx_skip() {
+    if [ -n "${CI:-}" ]; then
+        echo "$KVX_NAME: FAIL: $* (required when CI is set)"
         exit 1
     fi
+    echo "$KVX_NAME: SKIPPED: $*"
+    exit 77
+}
+
+kvx_setup() {
+    command -v tmux > /dev/null 2>&1 || kvx_skip "tmux is not installed"
     if [ $# -lt 1 ] || [ ! -x "$1" ]; then
         echo "$KVX_NAME: FAIL: usage: $0 <kvexec binary> (got '${1:-}')"
         exit 2
@@ -66,13 +75,15 @@ kvx_cleanup() {
 
 kvx_script() { cat > "$KVX_DIR/script.kvx"; }
 
+kvx_command() { echo "env TERM=xterm-256color LC_ALL=C.UTF-8 KVEXEC_TERM=ansi '$KVX_BIN' script.kvx"; }
+
 kvx_start() {
     local cols=$1 rows=$2 after=${3:-"exec sleep 120"}
     cat > "$KVX_DIR/run.sh" <<EOF
 cd '$KVX_DIR' || exit 1
 rm -f status status.tmp before.stty after.stty
 stty -g > before.stty 2> /dev/null
-env TERM=xterm-256color LC_ALL=C.UTF-8 KVEXEC_TERM=ansi '$KVX_BIN' script.kvx
+${KVX_RUN:-$(kvx_command)}
 echo \$? > status.tmp
 stty -g > after.stty 2> /dev/null
 mv status.tmp status
@@ -80,7 +91,7 @@ $after
 EOF
     tmux -u -L "$KVX_SOCK" -f /dev/null new-session -d -x "$cols" -y "$rows" -s t \
         "env -u TMUX bash --norc --noprofile '$KVX_DIR/run.sh'" \
-        || kvx_fail "could not start a tmux session"
+        || kvx_skip "tmux cannot start a session here (no terminal to be had)"
     tmux -L "$KVX_SOCK" set-option -t t remain-on-exit on > /dev/null 2>&1
 }
 

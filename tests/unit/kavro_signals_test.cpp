@@ -1,0 +1,162 @@
+// Signals and write errors of the terminal runtime. Each case runs in a child process of its own,
+// with standard output (and error) sent to files, and looks at how the child ended and what
+// reached the files.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "test_support.h"
+
+namespace {
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+class KavroSignals : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char templ[] = "/tmp/kvexec-signals-XXXXXX";
+        int fd = mkstemp(templ);
+        ASSERT_GE(fd, 0);
+        close(fd);
+        sOut = templ;
+        sErr = sOut + ".err";
+    }
+    void TearDown() override {
+        unlink(sOut.c_str());
+        unlink(sErr.c_str());
+    }
+
+    // Runs body in a child whose standard output goes to sOut (or to `output` when given) and
+    // whose standard error goes to sErr, with the runtime started as at the start of a run.
+    // Returns the child's wait status.
+    template <typename Body>
+    int InChild(Body body, const char* output = nullptr) {
+        fflush(nullptr);
+        pid_t pid = fork();
+        if (pid == 0) {
+            int out = open(output ? output : sOut.c_str(), O_WRONLY | O_TRUNC);
+            int err = open(sErr.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            if (out < 0 || err < 0) _exit(90);
+            dup2(out, 1);
+            dup2(err, 2);
+            for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) signal(sig, SIG_DFL);
+            setenv("KVEXEC_TERM", "raw", 1);
+            kavro::TermCapture(nullptr);
+            kavro::TermInit();
+            body();
+            _exit(91);
+        }
+        int status = 0;
+        waitpid(pid, &status, 0);
+        return status;
+    }
+
+    void ExpectOutputWrittenThenDeathBy(int sig, int status) {
+        EXPECT_TRUE(WIFSIGNALED(status)) << "status " << status;
+        if (WIFSIGNALED(status)) {
+            EXPECT_EQ(WTERMSIG(status), sig);
+        }
+        EXPECT_EQ(ReadFile(sOut), "progress\r");
+    }
+
+    std::string sOut;
+    std::string sErr;
+};
+
+// ---- a signal that ends the run writes what is waiting -------------------------------------
+
+TEST_F(KavroSignals, TerminateWritesTheWaitingOutputThenEndsOfIt) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        kill(getpid(), SIGTERM);
+    });
+    ExpectOutputWrittenThenDeathBy(SIGTERM, status);
+}
+
+TEST_F(KavroSignals, InterruptWritesTheWaitingOutputThenEndsOfIt) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        kill(getpid(), SIGINT);
+    });
+    ExpectOutputWrittenThenDeathBy(SIGINT, status);
+}
+
+TEST_F(KavroSignals, HangupWritesTheWaitingOutputThenEndsOfIt) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        kill(getpid(), SIGHUP);
+    });
+    ExpectOutputWrittenThenDeathBy(SIGHUP, status);
+}
+
+TEST_F(KavroSignals, OutputAlreadyWrittenIsNotWrittenAgain) {
+    int status = InChild([] {
+        kavro::TermWrite("pro");
+        kavro::TermFlush();
+        kavro::TermWrite("gress\r");
+        kill(getpid(), SIGTERM);
+    });
+    ExpectOutputWrittenThenDeathBy(SIGTERM, status);
+}
+
+// An ignored signal stays ignored: the run goes on.
+TEST_F(KavroSignals, SignalIgnoredAtStartStaysIgnored) {
+    fflush(nullptr);
+    pid_t pid = fork();
+    if (pid == 0) {
+        int out = open(sOut.c_str(), O_WRONLY | O_TRUNC);
+        dup2(out, 1);
+        signal(SIGHUP, SIG_IGN);
+        setenv("KVEXEC_TERM", "raw", 1);
+        kavro::TermCapture(nullptr);
+        kavro::TermInit();
+        kavro::TermWrite("still here\r");
+        kill(getpid(), SIGHUP);
+        kavro::TermFlush();
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    EXPECT_EQ(ReadFile(sOut), "still here\r");
+}
+
+// ---- write errors --------------------------------------------------------------------------
+
+TEST_F(KavroSignals, WriteErrorEndsTheRunWithAMessageAndStatus1) {
+    int status = InChild(
+        [] {
+            kavro::TermWrite("lost\r");
+            kavro::TermFlush();
+            _exit(0);
+        },
+        "/dev/full");
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << "status " << status;
+    EXPECT_EQ(ReadFile(sErr), "kvexec: write error: " + std::string(strerror(ENOSPC)) + "\n");
+}
+
+TEST_F(KavroSignals, WriteErrorAtTheEndOfTheRunSetsStatus1) {
+    int status = InChild(
+        [] {
+            kavro::TermWrite("lost\r");
+            exit(0);
+        },
+        "/dev/full");
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << "status " << status;
+    EXPECT_EQ(ReadFile(sErr), "kvexec: write error: " + std::string(strerror(ENOSPC)) + "\n");
+}
+
+}  // namespace
