@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
 
 #include "char_classes.h"
 #include "kavro.h"
@@ -222,9 +223,14 @@ void ScriptReader::Forget() {
         pBlock = pOwnBlock.get();
         bBlockKept = false;
     }
-    if (pszLine != szLine) {
-        snprintf(szLine, sizeof szLine, "%s", pszLine);
-        pszLine = szLine;
+    // The last line read stays readable when it was one of the kept lines.
+    // (Into a buffer of its own: the line buffer may be half filled with the line being read.)
+    auto within = [this](const char* buffer) {
+        return !std::less<const char*>()(pszLine, buffer) && std::less<const char*>()(pszLine, buffer + kLineSize);
+    };
+    if (!within(szLine) && !within(szHeldLine)) {
+        snprintf(szHeldLine, sizeof szHeldLine, "%s", pszLine);
+        pszLine = szHeldLine;
     }
     aReadOnce.clear();
     aBlocks.clear();

@@ -129,6 +129,7 @@ private:
     long lOffset = 0;   // offset of the next byte to read
     long lLinePos = 0;  // offset of the start of the last line read
     char szLine[kLineSize] = {};
+    char szHeldLine[kLineSize] = {};  // a kept last line, when what was kept is forgotten
     const char* pszLine = szLine;
 
     // What was kept, and the state of the file it was read from.
