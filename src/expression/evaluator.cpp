@@ -71,14 +71,14 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             Settle(p, st);
             break;
         case TokenInteger: {
-            long v = strtol(p->sToken, nullptr, 10);
+            long v = IntegerValue(p->sToken);
             PushInteger(p, st.bNegate ? -v : v);
             st.bNegate = false;
             Settle(p, st);
             break;
         }
         case TokenFloat: {
-            double d = strtod(p->sToken, nullptr);
+            double d = FloatValue(p->sToken);
             PushDouble(p, st.bNegate ? -d : d);
             st.bNegate = false;
             Settle(p, st);

@@ -118,11 +118,11 @@ void GetValue(Parser* p, Const* out) {
     switch (p->eTokenType) {
         case TokenInteger:
             out->eType = VarInteger;
-            out->iValue = Int16(strtol(p->sToken, nullptr, 10));
+            out->iValue = Int16(IntegerValue(p->sToken));
             break;
         case TokenFloat:
             out->eType = VarFloat;
-            out->dValue = strtod(p->sToken, nullptr);
+            out->dValue = FloatValue(p->sToken);
             break;
         case TokenString:
             out->eType = VarString;

@@ -2,7 +2,9 @@
 #include <strings.h>
 
 #include <cctype>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "tokenizer.h"
@@ -170,8 +172,9 @@ TokenType GetTokenType(TokenScan* p) {
     if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
     if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
     if (GetComparator(t.c_str())) return TokenComparator;
-    if ((p->iWord = kFunctionWords.Find(t.c_str())) >= 0) return TokenFunction;
-    if ((p->iWord = kStatementWords.Find(t.c_str())) >= 0) return TokenStatement;
+    // Every statement and function word begins with "&", which no other byte folds to.
+    if (t[0] == '&' && (p->iWord = kFunctionWords.Find(t.c_str())) >= 0) return TokenFunction;
+    if (t[0] == '&' && (p->iWord = kStatementWords.Find(t.c_str())) >= 0) return TokenStatement;
     if (p->bFirstToken) return TokenVar;
     return t[0] == '&' ? TokenVar : TokenString;
 }
@@ -200,6 +203,40 @@ bool FirstWordIs(const char* line, size_t length, const char* keyword) {
 }
 
 bool FirstWordIs(const char* line, const char* keyword) { return FirstWordIs(line, FirstWordLength(line), keyword); }
+
+long IntegerValue(const char* digits) {
+    unsigned long v = 0;
+    for (const char* s = digits; IsDigit(*s); ++s) {
+        unsigned d = static_cast<unsigned>(*s - '0');
+        if (v > (static_cast<unsigned long>(LONG_MAX) - d) / 10) return strtol(digits, nullptr, 10);
+        v = v * 10 + d;
+    }
+    return static_cast<long>(v);
+}
+
+double FloatValue(const char* text) {
+    // Up to 15 significant digits and 22 after the point, the digits and the power of ten are
+    // both exact doubles and one division rounds correctly, as strtod does; anything longer is
+    // left to strtod.
+    static const double aPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                     1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    unsigned long long mantissa = 0;
+    int significant = 0;
+    int fraction = 0;
+    bool point = false;
+    for (const char* s = text; *s; ++s) {
+        if (*s == '.' && !point) {
+            point = true;
+            continue;
+        }
+        if (!IsDigit(*s)) return strtod(text, nullptr);
+        if (point) ++fraction;
+        if (mantissa != 0 || *s != '0') ++significant;
+        mantissa = mantissa * 10 + static_cast<unsigned>(*s - '0');
+        if (significant > 15 || fraction > 22) return strtod(text, nullptr);
+    }
+    return static_cast<double>(mantissa) / aPowers[fraction];
+}
 
 const char* ReferenceEnd(const char* s, const char* end) {
     while (s != end && *s == '&') ++s;

@@ -62,6 +62,13 @@ bool FirstWordIs(const char* line, const char* keyword);
 size_t FirstWordLength(const char* line);
 bool FirstWordIs(const char* line, size_t length, const char* keyword);
 
+// ---- Number literals ----------------------------------------------------------------------
+
+// The value of an integer token (digits only), as strtol gives it: LONG_MAX past the range.
+long IntegerValue(const char* digits);
+// The value of a float token (digits, a point, digits), as strtod gives it: correctly rounded.
+double FloatValue(const char* text);
+
 // ---- Variable references ------------------------------------------------------------------
 
 // The end of the reference that starts at s: every "&", then every alphanumeric character

@@ -4,6 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tokenizer.h"
+
 namespace {
 
 TEST(KeywordTable, FindsWholeWordsCaseIgnored) {
@@ -69,3 +77,42 @@ TEST(Words, ComparatorsOperatorsAndLogicals) {
 }
 
 }  // namespace
+
+// Number literals are converted as strtol and strtod convert them, including at the edges.
+TEST(Literals, AsTheCLibraryConvertsThem) {
+    std::mt19937_64 random(12345);
+    std::vector<std::string> samples = {"0",
+                                        "1",
+                                        "32767",
+                                        "32768",
+                                        "99999999999999999999",
+                                        "9223372036854775807",
+                                        "9223372036854775808",
+                                        "000123",
+                                        "0.5",
+                                        ".5",
+                                        "1.",
+                                        "100000.0",
+                                        "0.1",
+                                        "123456789012345.5",
+                                        "1234567890123456",
+                                        "0.0000000000000000000001",
+                                        "0.00000000000000000000001",
+                                        "9007199254740993.0",
+                                        "1.7976931348623157"};
+    for (int i = 0; i < 20000; ++i) {
+        std::string s;
+        int digits = 1 + static_cast<int>(random() % 20);
+        for (int d = 0; d < digits; ++d) s += static_cast<char>('0' + random() % 10);
+        if (random() % 2) s.insert(random() % (s.size() + 1), ".");
+        samples.push_back(s);
+    }
+    for (const std::string& s : samples) {
+        if (s.find('.') == std::string::npos) {
+            EXPECT_EQ(IntegerValue(s.c_str()), strtol(s.c_str(), nullptr, 10)) << s;
+        }
+        double mine = FloatValue(s.c_str());
+        double theirs = strtod(s.c_str(), nullptr);
+        EXPECT_EQ(memcmp(&mine, &theirs, sizeof mine), 0) << s;
+    }
+}
