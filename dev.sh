@@ -4,13 +4,21 @@
 #   ./dev.sh example    build, then run examples/hello.kvx
 #   ./dev.sh test       build, then run every test (unit, conformance, terminal)
 #   ./dev.sh sanitize   build with AddressSanitizer + UBSan in build-asan, then run every test
-#   ./dev.sh bench      build, then run the benchmarks in bench/
+#   ./dev.sh bench      build, then run the benchmarks in bench/ (options go to bench/run.sh:
+#                       --runs N, --only REGEX, --smoke, --instructions)
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
 set -euo pipefail
 cd "$(dirname "$0")"
 
-deps() {
+deps() {  # deps [bench [bench options]]
   local missing=()
+  if [ "${1:-}" = bench ]; then
+    command -v dash > /dev/null || missing+=(dash)
+    command -v rexx > /dev/null || missing+=(regina-rexx)
+    if [[ " $* " == *" --instructions "* ]]; then
+      command -v valgrind > /dev/null || missing+=(valgrind)
+    fi
+  fi
   command -v cmake > /dev/null || missing+=(cmake)
   command -v g++ > /dev/null || missing+=(g++)
   command -v tmux > /dev/null || missing+=(tmux)
@@ -51,9 +59,9 @@ case "${1:-test}" in
       ctest --test-dir build-asan -j"$(nproc)" --output-on-failure
     ;;
   bench)
-    deps
+    deps bench "${@:2}"
     build build
-    bench/run.sh build/kvexec
+    bench/run.sh build/kvexec "${@:2}"
     ;;
   lint)
     deps
