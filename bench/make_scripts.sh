@@ -131,7 +131,8 @@ work long "$long lines read once"
 awk -v n="$long" 'BEGIN {
   for (i = 0; i < n; i++) {
     k = i % 4
-    if (k == 0) { printf "x = %d + 1\n", i; last = i + 1 }
+    # The literal is read as a 16-bit integer; the sum is a double.
+    if (k == 0) { printf "x = %d + 1\n", i; v = i % 65536; last = (v > 32767 ? v - 65536 : v) + 1 }
     else if (k == 1) printf "; comment %d\n", i
     else if (k == 2) printf "&IF &x > 5 &y = &x\n"
     else printf "s = &CAT \"item \" &x\n"
