@@ -6,7 +6,8 @@ commands without a shell; KVEXEC_PLAIN (set and not empty) turns all of that off
 driver generates a script (generate.py), runs it twice in the same fresh directory and the same
 clean environment, once with KVEXEC_PLAIN=1 and once without, and compares standard output,
 standard error and the exit status byte for byte. A difference prints the seed and keeps the script,
-its files and both runs' output under --keep, and the test fails.
+its files and both runs' output under --keep, and the test fails. Under a sanitizer build, a
+sanitizer's report in either run fails the seed as well.
 
     run.py <kvexec> [--kind general|selfmod] [--seeds FIRST-LAST] [--jobs N] [--keep DIR] [--pipe]
     run.py <kvexec> --self-test
@@ -108,9 +109,17 @@ def first_difference(a, b):
     return n
 
 
+SANITIZER_REPORTS = (b"ERROR: AddressSanitizer", b"ERROR: LeakSanitizer", b"runtime error:")
+
+
 def compare(plain, fast):
-    """Returns a list of what differs, empty when the two runs agree."""
+    """Returns a list of what differs, empty when the two runs agree. A sanitizer's report
+    (in a sanitizer build) counts as a failure too, even when both runs print the same one."""
     problems = []
+    for side, o in (("plain", plain), ("fast", fast)):
+        if any(r in o.err for r in SANITIZER_REPORTS):
+            problems.append(f"the {side} run has a sanitizer report:\n      "
+                            + o.err[:400].decode(errors="replace").replace("\n", "\n      "))
     both_cut = plain.timed_out and fast.timed_out
     if plain.timed_out != fast.timed_out:
         problems.append(f"only the {'plain' if plain.timed_out else 'fast'} run hit the time limit")
@@ -239,6 +248,7 @@ def self_test(binary):
         ((cut, b"abc", b""), (cut, b"ab", b""), True),
         ((cut, b"abc", b""), (cut, b"abX", b""), False),
         ((cut, b"abc", b""), (0, b"abc", b""), False),
+        ((1, b"", b"==1==ERROR: AddressSanitizer: x"), (1, b"", b"==1==ERROR: AddressSanitizer: x"), False),
     ]
     ok = True
     for plain, fast, same in cases:
