@@ -4,7 +4,8 @@
 #   ./dev.sh example    build kvexec alone, then run examples/hello.kvx
 #   ./dev.sh test       build, then run every test; prints a summary (the full log on failure)
 #   ./dev.sh sanitize   the same with AddressSanitizer + UBSan, in build-asan
-#   ./dev.sh bench      build, then run the benchmarks in bench/
+#   ./dev.sh bench      build, then run the benchmarks in bench/ (options go to bench/run.sh:
+#                       --runs N, --only REGEX, --smoke, --instructions)
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
 #
 # Build output goes to <build folder>/build.log and test output to <build folder>/test.log; each is
@@ -29,8 +30,10 @@ TEST_NEEDS=(
   "dpkg-deb:dpkg:listing the Debian package"
   "dpkg-shlibdeps:dpkg-dev:the Debian package's dependencies"
   "gzip:gzip:compressing the manual pages"
+  "python3:python3:the differential test"
 )
-BENCH_NEEDS=("/usr/bin/time:time:timing the benchmarks")
+BENCH_NEEDS=("/usr/bin/time:time:timing the benchmarks" "dash:dash:the dash peers"
+             "bash:bash:the bash peers" "rexx:regina-rexx:the Regina REXX peers")
 LINT_NEEDS=("clang-format:clang-format:the formatting check" "clang-tidy:clang-tidy:the lint")
 
 has() {  # has <command or absolute path>
@@ -154,8 +157,9 @@ case "${1:-test}" in
     ;;
   bench)
     need yes "${BASE_NEEDS[@]}" "${BENCH_NEEDS[@]}"
+    if [[ " ${*:2} " == *" --instructions "* ]]; then need yes "valgrind:valgrind:instruction counts"; fi
     build build
-    bench/run.sh build/kvexec
+    bench/run.sh build/kvexec "${@:2}"
     ;;
   lint)
     need yes "${BASE_NEEDS[@]}" "${LINT_NEEDS[@]}"

@@ -169,6 +169,7 @@ bool ScriptReader::Refill(long start) {
     lBlockStart = start;
     lBlockLength = length;
     bBlockKept = kept;
+    uiBlockGeneration = uiGeneration;
     return true;
 }
 
@@ -180,6 +181,7 @@ void ScriptReader::Seek(long offset) {
     long length;
     bool kept;
     ReadBlock(start, &data, &length, &kept);
+    uiBlockGeneration = uiGeneration;
     if (offset < start + length) {
         pBlock = data;
         lBlockStart = start;
@@ -232,6 +234,7 @@ void ScriptReader::Forget() {
         snprintf(szHeldLine, sizeof szHeldLine, "%s", pszLine);
         pszLine = szHeldLine;
     }
+    ++uiGeneration;
     aReadOnce.clear();
     aBlocks.clear();
     aLines.clear();
@@ -364,7 +367,10 @@ void ScriptReader::LoadLine(long start, long length) {
 }
 
 bool ScriptReader::FindLabel(const char* target) {
-    if (!bTrace && bKeep && !bMemory && !bEof && Unchanged()) {
+    // The index tells where lines lie in the file as it is now; it serves only while the block
+    // held was read from the file as it is now too (a block read before the file changed is
+    // read on from as it was).
+    if (!bTrace && bKeep && !bMemory && !bEof && Unchanged() && uiBlockGeneration == uiGeneration) {
         struct Hold {
             bool& b;
             explicit Hold(bool& flag) : b(flag) { b = true; }
@@ -402,6 +408,7 @@ bool ScriptReader::FindLabel(const char* target) {
             ReadBlock(blockStart, &pBlock, &lBlockLength, &kept);
             lBlockStart = blockStart;
             bBlockKept = kept;
+            uiBlockGeneration = uiGeneration;
             bEof = !line.bNewline && line.lLength < static_cast<long>(kLineSize) - 1 && found + 1 == aOrder.size();
             return true;
         }

@@ -122,8 +122,9 @@ private:
     const char* pBlock = nullptr;
     long lBlockStart = 0;
     long lBlockLength = 0;
-    bool bBlockKept = false;  // the block held is one of aBlocks, so its lines may be kept
-    bool bEof = false;        // the end was met; only a repositioning reads again
+    bool bBlockKept = false;         // the block held is one of aBlocks, so its lines may be kept
+    unsigned uiBlockGeneration = 0;  // uiGeneration when the block held was read
+    bool bEof = false;               // the end was met; only a repositioning reads again
     std::unique_ptr<char[]> pOwnBlock;
 
     long lOffset = 0;   // offset of the next byte to read
@@ -134,7 +135,8 @@ private:
 
     // What was kept, and the state of the file it was read from.
     bool bTrusted = false;
-    bool bHold = false;  // while the index is built or used, what was found unchanged stays so
+    unsigned uiGeneration = 0;  // counts what was kept and forgotten: a new state of the file
+    bool bHold = false;         // while the index is built or used, what was found unchanged stays so
     struct stat stSeen {};
     long long llCheckedNs = 0;
     unsigned uiCheckedTurns = 0;
