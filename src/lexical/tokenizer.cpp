@@ -25,6 +25,9 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+// The marks a word may begin with and hold besides letters and digits.
+bool IsWordMark(char c) { return c == '.' || c == '/' || c == ':' || c == '_'; }
+
 // Where the token that starts at s ends.
 const char* TokenEnd(const char* s) {
     char c = *s;
@@ -50,9 +53,17 @@ const char* TokenEnd(const char* s) {
             }
         }
         case '&': return ReferenceEnd(s);
+        case '+':
+        case '-':
+        case '*':
+        case '/':
+        case '(':
+        case ')':
+        case '|':
+        case '^':
+        case '%': return s + 1;
         default: break;
     }
-    if (strchr("+-*/()&|^%", c)) return s + 1;
     if (IsDigit(c)) {
         const char* q = s;
         while (IsDigit(*q)) ++q;
@@ -62,9 +73,9 @@ const char* TokenEnd(const char* s) {
         }
         return q;
     }
-    if (chars::IsAlpha(c) || strchr("./:_", c)) {
+    if (chars::IsAlpha(c) || IsWordMark(c)) {
         const char* q = s + 1;
-        while (*q && (chars::IsAlnum(*q) || strchr("./:_&", *q))) ++q;
+        while (chars::IsAlnum(*q) || IsWordMark(*q) || *q == '&') ++q;
         return q;
     }
     return s + 1;

@@ -118,7 +118,7 @@ void _Parse_Line(Parser* p, const char* line) {
         if (IsWordStart(c)) {
             const char* e = s + 1;
             bool alnum = true;
-            while (*e && !strchr(" ;=:", *e)) {
+            while (*e && *e != ' ' && *e != ';' && *e != '=' && *e != ':') {
                 if (!chars::IsAlnum(*e)) alnum = false;
                 ++e;
             }
