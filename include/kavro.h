@@ -23,6 +23,7 @@ struct KavroEnv {
     int iYearMode = 1;      // 2 two-digit years, 0 two digits before 2000, other four digits
     uint16_t uiSerial1 = 0;
     uint16_t uiSerial2 = 0;
+    bool bPlain = false;  // KVEXEC_PLAIN set: every command line through /bin/sh, nothing cached
 };
 
 extern KavroEnv* Kavro;
@@ -104,10 +105,26 @@ const std::string& t_StackText();
 
 // ---- Commands and files ----------------------------------------------------------------
 
-// Runs the command line with /bin/sh -c after flushing the output. Text in the keyboard stack
+// Runs the command line as /bin/sh -c would, after flushing the output: a plain line directly,
+// any other (or every line, with Kavro->bPlain) through the shell. Text in the keyboard stack
 // becomes the command's standard input. The status (exit code, or 128 + signal) is left in
 // errno, 0 on success; the same value is returned.
 int t_system(const char* command);
+
+// A command line the shell would run as one program, resolved as the shell resolves it.
+struct PlainCommand {
+    std::vector<std::string> asArgs;  // its words
+    std::string sProgram;             // the file the shell would run
+    std::vector<std::string> asEnv;   // the environment the shell would pass, in its order
+};
+// True, with plain filled in, when the line has no shell syntax, its first word is neither an
+// assignment nor a word of the shell's own, and the shell would find a program for it.
+bool ResolvePlain(const char* command, PlainCommand& plain);
+// Splits a line into its words when it has no shell syntax and is not the shell's own command.
+bool IsPlainCommand(const char* command, std::vector<std::string>& words);
+// The environment the shell would give its commands when started with envp, in its order, and
+// the PATH it would search; false when only the shell can tell.
+bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path);
 
 struct CFileInfo {
     int iKind = 0;   // 2 file, 8 directory, 16 device, 64 FIFO, 128 dangling link, 512 socket

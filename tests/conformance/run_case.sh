@@ -37,8 +37,8 @@ else
 fi
 
 envs=(KVEXEC_TERM=raw TZ=UTC LC_ALL=C.UTF-8 HOME="$work")
-# Sanitizer settings pass through to the run.
-for v in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS; do
+# Sanitizer settings, and KVEXEC_PLAIN (every command through the shell), pass through to the run.
+for v in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS KVEXEC_PLAIN; do
   [ -n "${!v:-}" ] && envs+=("$v=${!v}")
 done
 if [ -f "$case_path.env" ]; then

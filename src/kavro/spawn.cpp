@@ -1,0 +1,215 @@
+// Plain command lines: those /bin/sh would run as one program, resolved here as the shell resolves
+// them, so that they can be started without it. Anything the shell could read differently is left
+// to the shell.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+
+#include "kavro.h"
+
+extern char** environ;
+
+namespace kavro {
+
+namespace {
+
+// Words the shell runs itself: its builtins and its reserved words, with those of other shells
+// for good measure. A line starting with one of them goes through the shell.
+const char* const aszShellWords[] = {
+    // builtins of /bin/sh
+    ".", ":", "[", "alias", "bg", "break", "cd", "chdir", "command", "continue", "echo", "eval", "exec", "exit",
+    "export", "false", "fc", "fg", "getopts", "hash", "jobs", "kill", "local", "printf", "pwd", "read", "readonly",
+    "return", "set", "shift", "test", "times", "trap", "true", "type", "ulimit", "umask", "unalias", "unset", "wait",
+    // reserved words
+    "!", "{", "}", "case", "do", "done", "elif", "else", "esac", "fi", "for", "if", "in", "then", "until", "while",
+    // words of other shells
+    "[[", "]]", "builtin", "coproc", "declare", "function", "let", "select", "source", "time", "typeset"};
+
+bool IsShellWord(const char* word) {
+    for (const char* w : aszShellWords)
+        if (strcmp(w, word) == 0) return true;
+    return false;
+}
+
+// Bytes a plain line may hold besides the blanks: letters, digits and punctuation that means
+// nothing to the shell. Quotes, "$", "`", "\", redirections, "|", ";", "&", parentheses, glob
+// characters, "~", "#", braces, "!", control characters and bytes above 127 all send the line
+// to the shell.
+bool IsPlainByte(unsigned char c) {
+    if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) return true;
+    return c != 0 && strchr("-_./,:=+%@", c) != nullptr;
+}
+
+// ---- The shell's environment ---------------------------------------------------------------
+//
+// The shell keeps its variables in a hash table of 39 chains and hands its exported variables on
+// chain by chain. Its own variables head their chains; imported ones are added at the end of
+// theirs in the order first seen, a later duplicate replacing the value in place.
+
+constexpr size_t kChains = 39;
+
+struct ShellVar {
+    std::string sText;  // "NAME=value"
+    size_t nName;
+    bool bExported;
+};
+
+// The shell's own variables, in the order it enters them (each goes to the head of its chain).
+const char* const aszOwnVars[] = {"IFS", "MAIL", "MAILPATH", "PATH", "PS1", "PS2", "PS4", "OPTIND"};
+
+const char kDefaultPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
+bool IsNameStart(unsigned char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool IsNameByte(unsigned char c) { return IsNameStart(c) || (c >= '0' && c <= '9'); }
+
+// The length of the variable name an environment entry starts with, or 0 when the shell would
+// not import it.
+size_t NameLength(const char* entry) {
+    if (!IsNameStart(static_cast<unsigned char>(entry[0]))) return 0;
+    size_t n = 1;
+    while (IsNameByte(static_cast<unsigned char>(entry[n]))) ++n;
+    return entry[n] == '=' ? n : 0;
+}
+
+size_t Chain(const char* name, size_t n) {
+    unsigned hash = static_cast<unsigned>(static_cast<unsigned char>(name[0])) << 4;
+    for (size_t i = 0; i < n; ++i) hash += static_cast<unsigned char>(name[i]);
+    return hash % kChains;
+}
+
+class ShellVars {
+public:
+    ShellVars() {
+        // Entering each at the head of its chain is adding them in reverse order at the end.
+        for (size_t i = sizeof aszOwnVars / sizeof aszOwnVars[0]; i-- > 0;) {
+            const char* name = aszOwnVars[i];
+            size_t n = strlen(name);
+            std::string text = name;
+            if (strcmp(name, "PATH") == 0) text = std::string("PATH=") + kDefaultPath;
+            aChains[Chain(name, n)].push_back({text, n, false});
+        }
+    }
+    ShellVar* Find(const char* name, size_t n) {
+        for (ShellVar& v : aChains[Chain(name, n)])
+            if (v.nName == n && memcmp(v.sText.data(), name, n) == 0) return &v;
+        return nullptr;
+    }
+    // Sets a variable, keeping its place; a new one goes to the end of its chain.
+    void Set(const char* name, size_t n, const std::string& text, bool bExport) {
+        if (ShellVar* v = Find(name, n)) {
+            v->sText = text;
+            v->bExported = v->bExported || bExport;
+        } else {
+            aChains[Chain(name, n)].push_back({text, n, bExport});
+        }
+    }
+    // The value of a variable that is set, or null.
+    const char* Value(const char* name) {
+        ShellVar* v = Find(name, strlen(name));
+        return v && v->sText.size() > v->nName ? v->sText.c_str() + v->nName + 1 : nullptr;
+    }
+    void Exported(std::vector<std::string>& entries) const {
+        for (const auto& chain : aChains)
+            for (const ShellVar& v : chain)
+                if (v.bExported) entries.push_back(v.sText);
+    }
+
+private:
+    std::array<std::vector<ShellVar>, kChains> aChains;
+};
+
+bool SameFile(const char* a, const char* b) {
+    struct stat sa {
+    }, sb{};
+    return stat(a, &sa) == 0 && stat(b, &sb) == 0 && sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
+}
+
+// ---- The shell's command search ------------------------------------------------------------
+
+// A file the shell would take as a program: a regular file executable by us.
+bool IsProgram(const std::string& path) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return false;
+    return (st.st_mode & 0111) == 0111 || faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+// The file the shell runs for a name without "/": the first program along PATH, where an empty
+// element is the current directory. False when there is none, or when PATH holds "%" (which the
+// shell reads as options of its own).
+bool SearchPath(const std::string& name, const std::string& path, std::string& program) {
+    if (path.find('%') != std::string::npos) return false;
+    size_t start = 0;
+    for (;;) {
+        size_t end = path.find(':', start);
+        if (end == std::string::npos) end = path.size();
+        program = end > start ? path.substr(start, end - start) + "/" + name : name;
+        if (IsProgram(program)) return true;
+        if (end == path.size()) return false;
+        start = end + 1;
+    }
+}
+
+}  // namespace
+
+bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path) {
+    ShellVars vars;
+    for (char* const* e = envp; e && *e; ++e) {
+        size_t n = NameLength(*e);
+        if (n == 0) continue;
+        // The shell checks an imported OPTIND and may refuse to start over it.
+        if (n == 6 && memcmp(*e, "OPTIND", 6) == 0) return false;
+        vars.Set(*e, n, *e, true);
+    }
+    // Its IFS is always the default; PPID, when exported, is its parent: this process.
+    vars.Set("IFS", 3, "IFS= \t\n", false);
+    if (vars.Find("PPID", 4)) vars.Set("PPID", 4, "PPID=" + std::to_string(getpid()), false);
+    // PWD stays when it names the working directory by an absolute path; otherwise the shell
+    // sets it to the directory's real path.
+    const char* pwd = vars.Value("PWD");
+    std::string dir;
+    if (pwd && pwd[0] == '/' && SameFile(pwd, ".")) {
+        dir = pwd;
+    } else {
+        char* cwd = getcwd(nullptr, 0);
+        if (!cwd) return false;
+        dir = cwd;
+        free(cwd);
+    }
+    vars.Set("PWD", 3, "PWD=" + dir, true);
+    path = vars.Value("PATH") ? vars.Value("PATH") : "";
+    entries.clear();
+    vars.Exported(entries);
+    return true;
+}
+
+bool IsPlainCommand(const char* command, std::vector<std::string>& words) {
+    words.clear();
+    for (const char* p = command;;) {
+        while (*p == ' ' || *p == '\t') ++p;
+        if (!*p) break;
+        const char* start = p;
+        while (*p && *p != ' ' && *p != '\t') {
+            if (!IsPlainByte(static_cast<unsigned char>(*p))) return false;
+            ++p;
+        }
+        words.emplace_back(start, p);
+    }
+    return !words.empty() && words[0].find('=') == std::string::npos && !IsShellWord(words[0].c_str());
+}
+
+bool ResolvePlain(const char* command, PlainCommand& plain) {
+    if (!IsPlainCommand(command, plain.asArgs)) return false;
+    std::string path;
+    if (!ShellEnvironment(environ, plain.asEnv, path)) return false;
+    const std::string& name = plain.asArgs[0];
+    if (name.find('/') != std::string::npos) {
+        plain.sProgram = name;
+        return true;
+    }
+    return SearchPath(name, path, plain.sProgram);
+}
+
+}  // namespace kavro
