@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstring>
 
 #include "kavro.h"
@@ -49,18 +48,12 @@ bool IsPlainByte(unsigned char c) {
 // chain by chain. Its own variables head their chains; imported ones are added at the end of
 // theirs in the order first seen, a later duplicate replacing the value in place.
 
-constexpr size_t kChains = 39;
-
-struct ShellVar {
-    std::string sText;  // "NAME=value"
-    size_t nName;
-    bool bExported;
-};
+constexpr int kChains = 39;
 
 // The shell's own variables, in the order it enters them (each goes to the head of its chain).
-const char* const aszOwnVars[] = {"IFS", "MAIL", "MAILPATH", "PATH", "PS1", "PS2", "PS4", "OPTIND"};
-
-const char kDefaultPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+const char* const aszOwnVars[] = {
+    "IFS", "MAIL", "MAILPATH", "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
+    "PS1", "PS2",  "PS4",      "OPTIND"};
 
 bool IsNameStart(unsigned char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool IsNameByte(unsigned char c) { return IsNameStart(c) || (c >= '0' && c <= '9'); }
@@ -74,51 +67,72 @@ size_t NameLength(const char* entry) {
     return entry[n] == '=' ? n : 0;
 }
 
-size_t Chain(const char* name, size_t n) {
+int Chain(const char* name, size_t n) {
     unsigned hash = static_cast<unsigned>(static_cast<unsigned char>(name[0])) << 4;
     for (size_t i = 0; i < n; ++i) hash += static_cast<unsigned char>(name[i]);
-    return hash % kChains;
+    return static_cast<int>(hash % kChains);
 }
 
+// The shell's variable table, its entries pointing at "NAME=value" texts held elsewhere.
 class ShellVars {
 public:
-    ShellVars() {
+    explicit ShellVars(size_t reserve) {
+        aVars.reserve(reserve + sizeof aszOwnVars / sizeof aszOwnVars[0]);
+        for (int& i : aHead) i = -1;
+        for (int& i : aTail) i = -1;
         // Entering each at the head of its chain is adding them in reverse order at the end.
-        for (size_t i = sizeof aszOwnVars / sizeof aszOwnVars[0]; i-- > 0;) {
-            const char* name = aszOwnVars[i];
-            size_t n = strlen(name);
-            std::string text = name;
-            if (strcmp(name, "PATH") == 0) text = std::string("PATH=") + kDefaultPath;
-            aChains[Chain(name, n)].push_back({text, n, false});
-        }
-    }
-    ShellVar* Find(const char* name, size_t n) {
-        for (ShellVar& v : aChains[Chain(name, n)])
-            if (v.nName == n && memcmp(v.sText.data(), name, n) == 0) return &v;
-        return nullptr;
+        for (size_t i = sizeof aszOwnVars / sizeof aszOwnVars[0]; i-- > 0;)
+            Append(aszOwnVars[i], strcspn(aszOwnVars[i], "="), false);
     }
     // Sets a variable, keeping its place; a new one goes to the end of its chain.
-    void Set(const char* name, size_t n, const std::string& text, bool bExport) {
-        if (ShellVar* v = Find(name, n)) {
-            v->sText = text;
+    void Set(const char* text, size_t nName, bool bExport) {
+        if (Var* v = Find(text, nName)) {
+            v->pText = text;
             v->bExported = v->bExported || bExport;
         } else {
-            aChains[Chain(name, n)].push_back({text, n, bExport});
+            Append(text, nName, bExport);
         }
     }
+    bool Has(const char* name) { return Find(name, strlen(name)) != nullptr; }
     // The value of a variable that is set, or null.
     const char* Value(const char* name) {
-        ShellVar* v = Find(name, strlen(name));
-        return v && v->sText.size() > v->nName ? v->sText.c_str() + v->nName + 1 : nullptr;
+        size_t n = strlen(name);
+        Var* v = Find(name, n);
+        return v && v->pText[n] == '=' ? v->pText + n + 1 : nullptr;
     }
-    void Exported(std::vector<std::string>& entries) const {
-        for (const auto& chain : aChains)
-            for (const ShellVar& v : chain)
-                if (v.bExported) entries.push_back(v.sText);
+    void Exported(std::vector<const char*>& entries) const {
+        for (int head : aHead)
+            for (int i = head; i >= 0; i = aVars[static_cast<size_t>(i)].iNext)
+                if (aVars[static_cast<size_t>(i)].bExported) entries.push_back(aVars[static_cast<size_t>(i)].pText);
     }
 
 private:
-    std::array<std::vector<ShellVar>, kChains> aChains;
+    struct Var {
+        const char* pText;
+        size_t nName;
+        bool bExported;
+        int iNext;
+    };
+    Var* Find(const char* name, size_t n) {
+        for (int i = aHead[Chain(name, n)]; i >= 0; i = aVars[static_cast<size_t>(i)].iNext) {
+            Var& v = aVars[static_cast<size_t>(i)];
+            if (v.nName == n && memcmp(v.pText, name, n) == 0) return &v;
+        }
+        return nullptr;
+    }
+    void Append(const char* text, size_t nName, bool bExport) {
+        int chain = Chain(text, nName);
+        int index = static_cast<int>(aVars.size());
+        aVars.push_back({text, nName, bExport, -1});
+        if (aTail[chain] >= 0)
+            aVars[static_cast<size_t>(aTail[chain])].iNext = index;
+        else
+            aHead[chain] = index;
+        aTail[chain] = index;
+    }
+    std::vector<Var> aVars;
+    int aHead[kChains];
+    int aTail[kChains];
 };
 
 bool SameFile(const char* a, const char* b) {
@@ -139,49 +153,59 @@ bool IsProgram(const std::string& path) {
 // The file the shell runs for a name without "/": the first program along PATH, where an empty
 // element is the current directory. False when there is none, or when PATH holds "%" (which the
 // shell reads as options of its own).
-bool SearchPath(const std::string& name, const std::string& path, std::string& program) {
-    if (path.find('%') != std::string::npos) return false;
-    size_t start = 0;
-    for (;;) {
-        size_t end = path.find(':', start);
-        if (end == std::string::npos) end = path.size();
-        program = end > start ? path.substr(start, end - start) + "/" + name : name;
+bool SearchPath(const std::string& name, const char* path, std::string& program) {
+    if (strchr(path, '%')) return false;
+    for (const char* start = path;;) {
+        const char* end = strchrnul(start, ':');
+        program.assign(start, end);
+        if (end > start) program += '/';
+        program += name;
         if (IsProgram(program)) return true;
-        if (end == path.size()) return false;
+        if (!*end) return false;
         start = end + 1;
     }
 }
 
 }  // namespace
 
-bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path) {
-    ShellVars vars;
+bool ShellEnvironment(char* const* envp, ShellEnvironmentText& env) {
+    size_t count = 0;
+    for (char* const* e = envp; e && *e; ++e) ++count;
+    ShellVars vars(count);
     for (char* const* e = envp; e && *e; ++e) {
         size_t n = NameLength(*e);
         if (n == 0) continue;
         // The shell checks an imported OPTIND and may refuse to start over it.
         if (n == 6 && memcmp(*e, "OPTIND", 6) == 0) return false;
-        vars.Set(*e, n, *e, true);
+        vars.Set(*e, n, true);
     }
     // Its IFS is always the default; PPID, when exported, is its parent: this process.
-    vars.Set("IFS", 3, "IFS= \t\n", false);
-    if (vars.Find("PPID", 4)) vars.Set("PPID", 4, "PPID=" + std::to_string(getpid()), false);
+    vars.Set("IFS= \t\n", 3, false);
+    if (vars.Has("PPID")) {
+        env.sPpid = "PPID=" + std::to_string(getpid());
+        vars.Set(env.sPpid.c_str(), 4, false);
+    }
     // PWD stays when it names the working directory by an absolute path; otherwise the shell
     // sets it to the directory's real path.
     const char* pwd = vars.Value("PWD");
-    std::string dir;
-    if (pwd && pwd[0] == '/' && SameFile(pwd, ".")) {
-        dir = pwd;
-    } else {
+    if (!pwd || pwd[0] != '/' || !SameFile(pwd, ".")) {
         char* cwd = getcwd(nullptr, 0);
         if (!cwd) return false;
-        dir = cwd;
+        env.sPwd = std::string("PWD=") + cwd;
         free(cwd);
+        vars.Set(env.sPwd.c_str(), 3, true);
     }
-    vars.Set("PWD", 3, "PWD=" + dir, true);
-    path = vars.Value("PATH") ? vars.Value("PATH") : "";
-    entries.clear();
-    vars.Exported(entries);
+    env.pszPath = vars.Value("PATH");
+    env.apEntries.clear();
+    vars.Exported(env.apEntries);
+    return true;
+}
+
+bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path) {
+    ShellEnvironmentText env;
+    if (!ShellEnvironment(envp, env)) return false;
+    entries.assign(env.apEntries.begin(), env.apEntries.end());
+    path = env.pszPath;
     return true;
 }
 
@@ -202,14 +226,13 @@ bool IsPlainCommand(const char* command, std::vector<std::string>& words) {
 
 bool ResolvePlain(const char* command, PlainCommand& plain) {
     if (!IsPlainCommand(command, plain.asArgs)) return false;
-    std::string path;
-    if (!ShellEnvironment(environ, plain.asEnv, path)) return false;
+    if (!ShellEnvironment(environ, plain.env)) return false;
     const std::string& name = plain.asArgs[0];
     if (name.find('/') != std::string::npos) {
         plain.sProgram = name;
         return true;
     }
-    return SearchPath(name, path, plain.sProgram);
+    return SearchPath(name, plain.env.pszPath, plain.sProgram);
 }
 
 }  // namespace kavro

@@ -1,6 +1,7 @@
 // Plain command lines started without the shell: which lines qualify, the environment the shell
 // would give them, and that running them directly gives what running them through the shell gives.
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -393,6 +394,23 @@ TEST_F(KavroSpawn, SameEnvironmentAndSignals) {
     // Dispositions and mask of the command: ignored, blocked, caught.
     r = Both("grep -e SigBlk -e SigIgn -e SigCgt /proc/self/status");
     EXPECT_NE(r.sOut.find("SigIgn:"), std::string::npos);
+    // With signals of the interpreter caught, ignored and blocked.
+    struct sigaction caught {
+    }, ignored{}, oldTerm{}, oldHup{}, oldUsr1{};
+    caught.sa_handler = [](int) {};
+    ignored.sa_handler = SIG_IGN;
+    sigaction(SIGTERM, &caught, &oldTerm);
+    sigaction(SIGUSR1, &caught, &oldUsr1);
+    sigaction(SIGHUP, &ignored, &oldHup);
+    sigset_t blocked, oldMask;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR2);
+    pthread_sigmask(SIG_BLOCK, &blocked, &oldMask);
+    Both("grep -e SigBlk -e SigIgn -e SigCgt /proc/self/status");
+    pthread_sigmask(SIG_SETMASK, &oldMask, nullptr);
+    sigaction(SIGTERM, &oldTerm, nullptr);
+    sigaction(SIGUSR1, &oldUsr1, nullptr);
+    sigaction(SIGHUP, &oldHup, nullptr);
 }
 
 TEST_F(KavroSpawn, PathSearchAsTheShellDoes) {
