@@ -111,31 +111,16 @@ const std::string& t_StackText();
 // errno, 0 on success; the same value is returned.
 int t_system(const char* command);
 
-// The environment the shell would give its commands: entries in its order, pointing into the
-// environment it was built from and into the texts made for it here.
-struct ShellEnvironmentText {
-    std::vector<const char*> apEntries;
-    const char* pszPath = nullptr;  // the PATH it searches
-    std::string sPpid;
-    std::string sPwd;
-    ShellEnvironmentText() = default;
-    ShellEnvironmentText(const ShellEnvironmentText&) = delete;
-    ShellEnvironmentText& operator=(const ShellEnvironmentText&) = delete;
-};
-// A command line the shell would run as one program, resolved as the shell resolves it.
-struct PlainCommand {
-    std::vector<std::string> asArgs;  // its words
-    std::string sProgram;             // the file the shell would run
-    ShellEnvironmentText env;         // the environment the shell would pass
-};
-// True, with plain filled in, when the line has no shell syntax, its first word is neither an
-// assignment nor a word of the shell's own, and the shell would find a program for it.
-bool ResolvePlain(const char* command, PlainCommand& plain);
+// Starts a plain command line without the shell: one whose words the shell would run as one
+// program (no shell syntax, not a word of the shell's own), resolved as the shell resolves it,
+// with the environment, standard input (stacked text from `input`, when not -1) and signal
+// dispositions the shell would give it. Returns the process, or -1 when the line needs the shell
+// or could not be started; nothing visible has happened then.
+int SpawnPlain(const char* command, int input);
 // Splits a line into its words when it has no shell syntax and is not the shell's own command.
 bool IsPlainCommand(const char* command, std::vector<std::string>& words);
 // The environment the shell would give its commands when started with envp, in its order, and
-// the PATH it would search; false when only the shell can tell. The second form copies the texts.
-bool ShellEnvironment(char* const* envp, ShellEnvironmentText& env);
+// the PATH it would search; false when only the shell can tell.
 bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path);
 
 struct CFileInfo {

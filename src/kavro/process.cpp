@@ -1,11 +1,10 @@
-// The command processor: command lines run as /bin/sh -c runs them; plain ones (spawn.cpp) are
-// started directly, without the shell in between.
+// The command processor: command lines run as /bin/sh -c runs them; plain ones are started
+// directly (spawn.cpp), without the shell in between.
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,84 +43,12 @@ int StackAsInput() {
     return fd;
 }
 
-// The child side of Launch, between vfork and exec: it shares the interpreter's memory, so no
-// handler of the interpreter may run in it. Standard input from the stacked text; every caught
-// signal, and interrupt, quit and broken pipe, back to their default; the C library's own signals
-// ignored; an empty mask. That is what posix_spawn gives the shell, and the shell its commands.
-[[noreturn]] void LaunchChild(const char* program, char* const* argv, char* const* envp, int input,
-                              volatile int* pExecError) {
-    if (input == 0)
-        fcntl(0, F_SETFD, 0);
-    else if (input > 0)
-        dup2(input, 0);
-    struct sigaction sa {};
-    // The interpreter catches standard signals only, never real-time ones.
-    for (int sig = 1; sig < 32; ++sig) {
-        if (sig == SIGKILL || sig == SIGSTOP) continue;
-        bool reset = sig == SIGINT || sig == SIGQUIT || sig == SIGPIPE;
-        if (!reset && sigaction(sig, nullptr, &sa) == 0) reset = sa.sa_handler != SIG_IGN && sa.sa_handler != SIG_DFL;
-        if (!reset) continue;
-        sa = {};
-        sa.sa_handler = SIG_DFL;
-        sigaction(sig, &sa, nullptr);
-    }
-    // sigaction refuses the library's signals (those below SIGRTMIN); the system call does not.
-    struct {
-        __sighandler_t handler;
-        unsigned long flags;
-        void* restorer;
-        unsigned long mask;
-    } ignore{SIG_IGN, 0, nullptr, 0};
-    for (int sig = __SIGRTMIN; sig < SIGRTMIN; ++sig)
-        syscall(SYS_rt_sigaction, sig, &ignore, nullptr, sizeof ignore.mask);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    execve(program, argv, envp);
-    *pExecError = errno;
-    _exit(127);
-}
-
-// Starts a program as posix_spawn would with the shell's attributes, without posix_spawn's cost
-// (a fresh stack and two system calls for every signal): vfork, with every signal blocked until
-// the child has put its own in order. Returns the process, or -1 when it could not start (the
-// failed child is reaped at once).
-pid_t Launch(const char* program, char* const* argv, char* const* envp, int input) {
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    volatile int execError = 0;
-    pid_t pid = vfork();
-    if (pid == 0) LaunchChild(program, argv, envp, input, &execError);
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    if (pid > 0 && execError != 0) {
-        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-        }
-        pid = -1;
-    }
-    return pid;
-}
-
-// Starts a plain line without the shell; false when the line needs the shell or the start
-// failed, which leaves no trace: the line then goes to the shell, which reports as it always did.
-bool SpawnPlain(const char* command, int input, pid_t* pid) {
-    PlainCommand plain;
-    if (!ResolvePlain(command, plain)) return false;
-    std::vector<char*> argv;
-    for (std::string& s : plain.asArgs) argv.push_back(&s[0]);
-    argv.push_back(nullptr);
-    std::vector<const char*>& envp = plain.env.apEntries;
-    envp.push_back(nullptr);
-    *pid = Launch(plain.sProgram.c_str(), argv.data(), const_cast<char* const*>(envp.data()), input);
-    return *pid > 0;
-}
-
 // Starts the command: directly when it is plain (and Kavro->bPlain is off), else through the
 // shell. Returns the process, or -1 when nothing could be started.
 pid_t StartCommand(const char* command, int input, const posix_spawn_file_actions_t* actions,
                    const posix_spawnattr_t* attr, bool* pbDirect) {
-    pid_t pid = -1;
-    *pbDirect = !Kavro->bPlain && SpawnPlain(command, input, &pid);
+    pid_t pid = Kavro->bPlain ? -1 : SpawnPlain(command, input);
+    *pbDirect = pid > 0;
     if (*pbDirect) return pid;
     char sh[] = "sh";
     char dashc[] = "-c";

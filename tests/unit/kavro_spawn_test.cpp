@@ -83,6 +83,7 @@ TEST(PlainCommand, BuiltinsAndReservedWordsGoToTheShell) {
 // Runs `program args` with exactly envp and returns its standard output.
 std::string RunWith(const std::vector<std::string>& env, std::vector<const char*> argv) {
     std::vector<char*> envp;
+    envp.reserve(env.size() + 1);
     for (const std::string& e : env) envp.push_back(const_cast<char*>(e.c_str()));
     envp.push_back(nullptr);
     argv.push_back(nullptr);
@@ -121,6 +122,7 @@ std::vector<std::string> ShellsOwn(const std::vector<std::string>& env) {
 
 std::vector<std::string> Ours(const std::vector<std::string>& env, bool* pbOk = nullptr, std::string* path = nullptr) {
     std::vector<char*> envp;
+    envp.reserve(env.size() + 1);
     for (const std::string& e : env) envp.push_back(const_cast<char*>(e.c_str()));
     envp.push_back(nullptr);
     std::vector<std::string> entries;
@@ -224,7 +226,8 @@ TEST(ShellEnvironment, MatchesTheShellOnRandomEnvironments) {
             if (!env.empty() && next(10) == 0) name = env[next(env.size())].substr(0, env.back().find('='));
             std::string value;
             for (uint32_t k = next(7); k > 0; --k) value += valueBytes[next(valueBytes.size())];
-            env.push_back(next(20) == 0 ? name : name + "=" + value);
+            if (next(20) != 0) name += "=" + value;
+            env.push_back(name);
         }
         switch (next(6)) {
             case 0: env.push_back("PWD=" + cwd); break;
