@@ -223,7 +223,10 @@ TEST(ShellEnvironment, MatchesTheShellOnRandomEnvironments) {
             } else {
                 for (uint32_t k = next(9); k > 0; --k) name += nameBytes[next(nameBytes.size())];
             }
-            if (!env.empty() && next(10) == 0) name = env[next(env.size())].substr(0, env.back().find('='));
+            if (!env.empty() && next(10) == 0) {
+                const std::string& other = env[next(env.size())];
+                name = other.substr(0, other.find('='));  // a duplicate
+            }
             std::string value;
             for (uint32_t k = next(7); k > 0; --k) value += valueBytes[next(valueBytes.size())];
             if (next(20) != 0) name += "=" + value;
