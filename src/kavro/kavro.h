@@ -23,6 +23,7 @@ struct KavroEnv {
     int iYearMode = 1;      // 2 two-digit years, 0 two digits before 2000, other four digits
     uint16_t uiSerial1 = 0;
     uint16_t uiSerial2 = 0;
+    bool bPlain = false;  // KVEXEC_PLAIN set: every command line through /bin/sh, nothing cached
 };
 
 extern KavroEnv* Kavro;
@@ -112,10 +113,23 @@ const std::string& t_StackText();
 
 // ---- Commands and files ----------------------------------------------------------------
 
-// Runs the command line with /bin/sh -c after flushing the output. Text in the keyboard stack
+// Runs the command line as /bin/sh -c would, after flushing the output: a plain line directly,
+// any other (or every line, with Kavro->bPlain) through the shell. Text in the keyboard stack
 // becomes the command's standard input. The status (exit code, or 128 + signal) is left in
 // errno, 0 on success; the same value is returned.
 int t_system(const char* command);
+
+// Starts a plain command line without the shell: one whose words the shell would run as one
+// program (no shell syntax, not a word of the shell's own), resolved as the shell resolves it,
+// with the environment, standard input (stacked text from `input`, when not -1) and signal
+// dispositions the shell would give it. Returns the process, or -1 when the line needs the shell
+// or could not be started; nothing visible has happened then.
+int SpawnPlain(const char* command, int input);
+// Splits a line into its words when it has no shell syntax and is not the shell's own command.
+bool IsPlainCommand(const char* command, std::vector<std::string>& words);
+// The environment the shell would give its commands when started with envp, in its order, and
+// the PATH it would search; false when only the shell can tell.
+bool ShellEnvironment(char* const* envp, std::vector<std::string>& entries, std::string& path);
 
 struct CFileInfo {
     int iKind = 0;   // 2 file, 8 directory, 16 device, 64 FIFO, 128 dangling link, 512 socket

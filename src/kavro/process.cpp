@@ -1,5 +1,7 @@
-// The command processor: command lines run through /bin/sh -c.
+// The command processor: command lines run as /bin/sh -c runs them; plain ones are started
+// directly (spawn.cpp), without the shell in between.
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
@@ -27,7 +29,7 @@ int StackAsInput() {
     if (fd < 0) {
         FILE* f = tmpfile();
         if (!f) return -1;
-        fd = dup(fileno(f));
+        fd = fcntl(fileno(f), F_DUPFD_CLOEXEC, 0);
         fclose(f);
         if (fd < 0) return -1;
     }
@@ -40,6 +42,82 @@ int StackAsInput() {
     }
     lseek(fd, 0, SEEK_SET);
     return fd;
+}
+
+// Starts the command: directly when it is plain (and Kavro->bPlain is off), else through the
+// shell. Returns the process, or -1 when nothing could be started.
+pid_t StartCommand(const char* command, int input, const posix_spawn_file_actions_t* actions,
+                   const posix_spawnattr_t* attr, bool* pbDirect) {
+    pid_t pid = Kavro->bPlain ? -1 : SpawnPlain(command, input);
+    *pbDirect = pid > 0;
+    if (*pbDirect) return pid;
+    char sh[] = "sh";
+    char dashc[] = "-c";
+    char* argv[] = {sh, dashc, const_cast<char*>(command), nullptr};
+    return posix_spawn(&pid, "/bin/sh", actions, attr, argv, environ) == 0 ? pid : -1;
+}
+
+// Interrupt or quit typed at the terminal while a command started directly runs. The shell would
+// have received it as well: on interrupt it waits for its command and then ends as interrupted,
+// on quit it ends at once.
+volatile sig_atomic_t g_iTyped = 0;
+pthread_t g_waiter;  // the thread waiting for the command
+
+void NoteTyped(int sig, siginfo_t* info, void* /*context*/) {
+    if (info && info->si_code == SI_KERNEL && g_iTyped != SIGQUIT) g_iTyped = sig;
+    // A key reaches whichever thread of the process takes it: quit must wake the waiting one.
+    if (sig == SIGQUIT && g_iTyped == SIGQUIT && !pthread_equal(pthread_self(), g_waiter))
+        pthread_kill(g_waiter, SIGQUIT);
+}
+
+void WatchTyped() {
+    g_waiter = pthread_self();
+    struct sigaction note {};
+    note.sa_sigaction = NoteTyped;
+    note.sa_flags = SA_SIGINFO;  // no SA_RESTART: quit must end the wait
+    sigemptyset(&note.sa_mask);
+    sigaction(SIGINT, &note, nullptr);
+    sigaction(SIGQUIT, &note, nullptr);
+}
+
+// Waits for the command and returns its wait status. A quit typed meanwhile ends the wait.
+int Await(pid_t pid) {
+    int ws = 0;
+    while (g_iTyped != SIGQUIT && waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
+    }
+    return ws;
+}
+
+// The shell's note on standard error when its command was ended by a signal other than interrupt
+// and broken pipe: the signal's description (untranslated, as the shell runs in the C locale).
+void ReportSignal(int ws) {
+    int sig = WTERMSIG(ws);
+    if (sig == SIGINT || sig == SIGPIPE) return;
+    char text[64];
+    int n = 0;
+    if (const char* description = sigdescr_np(sig))
+        n = snprintf(text, 32, "%s", description);
+    else if (sig >= SIGRTMIN && sig <= SIGRTMAX)
+        n = snprintf(text, 32, "Real-time signal %d", sig - SIGRTMIN);
+    else
+        n = snprintf(text, 32, "Unknown signal %d", sig);
+    n = n > 31 ? 31 : n;
+    if (WCOREDUMP(ws)) n += snprintf(text + n, sizeof text - static_cast<size_t>(n), " (core dumped)");
+    text[n++] = '\n';
+    ssize_t rc = write(2, text, static_cast<size_t>(n));
+    (void)rc;
+}
+
+// The status the shell reports (exit code, or 128 + signal). For a command started directly, also
+// what the shell would have said and done: its note on a signal, and its own end on a typed key.
+int Status(int ws, bool bDirect) {
+    if (bDirect) {
+        if (g_iTyped == SIGQUIT) return 128 + SIGQUIT;
+        if (WIFSIGNALED(ws)) ReportSignal(ws);
+        if (g_iTyped == SIGINT) return 128 + SIGINT;
+    }
+    if (WIFSIGNALED(ws)) return 128 + WTERMSIG(ws);
+    return WIFEXITED(ws) ? WEXITSTATUS(ws) : 127;
 }
 
 }  // namespace
@@ -73,24 +151,18 @@ int t_system(const char* command) {
     sigaction(SIGINT, &ignore, &oldInt);
     sigaction(SIGQUIT, &ignore, &oldQuit);
 
-    char sh[] = "sh";
-    char dashc[] = "-c";
-    char* argv[] = {sh, dashc, const_cast<char*>(command), nullptr};
-    pid_t pid = 0;
-    int status = 127;
+    g_iTyped = 0;
+    bool bDirect = false;
     // Terminate and hangup go on to the command, and end the run once it has ended.
     SignalsCommandStarting();
-    bool started = posix_spawn(&pid, "/bin/sh", &actions, &attr, argv, environ) == 0;
-    SignalsCommandStarted(started ? pid : 0);
-    if (started) {
-        int ws = 0;
-        while (waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
-        }
+    pid_t pid = StartCommand(command, input, &actions, &attr, &bDirect);
+    SignalsCommandStarted(pid > 0 ? pid : 0);
+    int status = 127;
+    if (pid > 0) {
+        if (bDirect) WatchTyped();
+        int ws = Await(pid);
         SignalsCommandEnded();
-        if (WIFEXITED(ws))
-            status = WEXITSTATUS(ws);
-        else if (WIFSIGNALED(ws))
-            status = 128 + WTERMSIG(ws);
+        status = Status(ws, bDirect);
     }
 
     sigaction(SIGINT, &oldInt, nullptr);

@@ -65,6 +65,8 @@ int t_Init(int argc, char** argv, int /*mode*/, bool /*bQuiet*/) {
     g_env.uiSerial1 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL1", 0));
     g_env.uiSerial2 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL2", 0));
     g_env.cCaseMode = EnvLetter("KVEXEC_CASE", 'M');
+    const char* plain = getenv("KVEXEC_PLAIN");
+    g_env.bPlain = plain && *plain;
     TermInit();
     return argc;
 }
