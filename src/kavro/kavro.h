@@ -3,6 +3,8 @@
 // It is the only part of the program that touches the terminal, processes and file kinds.
 #pragma once
 
+#include <signal.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -118,6 +120,20 @@ const std::string& t_StackText();
 // becomes the command's standard input. The status (exit code, or 128 + signal) is left in
 // errno, 0 on success; the same value is returned.
 int t_system(const char* command);
+
+// While one lives, the interpreter ignores interrupt and quit, as system() does while its
+// command runs; the dispositions before are put back when it ends.
+class InterruptsIgnored {
+public:
+    InterruptsIgnored();
+    ~InterruptsIgnored();
+    InterruptsIgnored(const InterruptsIgnored&) = delete;
+    InterruptsIgnored& operator=(const InterruptsIgnored&) = delete;
+
+private:
+    struct sigaction saInterrupt {};
+    struct sigaction saQuit {};
+};
 
 // Starts a plain command line without the shell: one whose words the shell would run as one
 // program (no shell syntax, not a word of the shell's own), resolved as the shell resolves it,

@@ -122,6 +122,19 @@ int Status(int ws, bool bDirect) {
 
 }  // namespace
 
+InterruptsIgnored::InterruptsIgnored() {
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    sigemptyset(&ignore.sa_mask);
+    sigaction(SIGINT, &ignore, &saInterrupt);
+    sigaction(SIGQUIT, &ignore, &saQuit);
+}
+
+InterruptsIgnored::~InterruptsIgnored() {
+    sigaction(SIGINT, &saInterrupt, nullptr);
+    sigaction(SIGQUIT, &saQuit, nullptr);
+}
+
 int t_system(const char* command) {
     TermFlush();
     int input = StackAsInput();
@@ -144,29 +157,23 @@ int t_system(const char* command) {
     posix_spawnattr_setsigmask(&attr, &none);
     posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
 
-    struct sigaction ignore {
-    }, oldInt{}, oldQuit{};
-    ignore.sa_handler = SIG_IGN;
-    sigemptyset(&ignore.sa_mask);
-    sigaction(SIGINT, &ignore, &oldInt);
-    sigaction(SIGQUIT, &ignore, &oldQuit);
-
-    g_iTyped = 0;
-    bool bDirect = false;
-    // Terminate and hangup go on to the command, and end the run once it has ended.
-    SignalsCommandStarting();
-    pid_t pid = StartCommand(command, input, &actions, &attr, &bDirect);
-    SignalsCommandStarted(pid > 0 ? pid : 0);
     int status = 127;
-    if (pid > 0) {
-        if (bDirect) WatchTyped();
-        int ws = Await(pid);
-        SignalsCommandEnded();
-        status = Status(ws, bDirect);
+    {
+        InterruptsIgnored ignored;
+        g_iTyped = 0;
+        bool bDirect = false;
+        // Terminate and hangup go on to the command, and end the run once it has ended.
+        SignalsCommandStarting();
+        pid_t pid = StartCommand(command, input, &actions, &attr, &bDirect);
+        SignalsCommandStarted(pid > 0 ? pid : 0);
+        if (pid > 0) {
+            if (bDirect) WatchTyped();
+            int ws = Await(pid);
+            SignalsCommandEnded();
+            status = Status(ws, bDirect);
+        }
     }
 
-    sigaction(SIGINT, &oldInt, nullptr);
-    sigaction(SIGQUIT, &oldQuit, nullptr);
     posix_spawnattr_destroy(&attr);
     posix_spawn_file_actions_destroy(&actions);
     if (input >= 0) close(input);

@@ -39,12 +39,7 @@ constexpr size_t kHelpNameMax = 50 - 1 - sizeof "/home/system/disks/s/kavro/bin/
 void RunHelpViewer(const char* name) {
     std::string arg(name, strnlen(name, kHelpNameMax));
     char* argv[] = {const_cast<char*>(kHelpViewer), arg.data(), nullptr};
-    struct sigaction ignore {
-    }, oldInt{}, oldQuit{};
-    ignore.sa_handler = SIG_IGN;
-    sigemptyset(&ignore.sa_mask);
-    sigaction(SIGINT, &ignore, &oldInt);
-    sigaction(SIGQUIT, &ignore, &oldQuit);
+    kavro::InterruptsIgnored ignored;
     posix_spawnattr_t attr;
     posix_spawnattr_init(&attr);
     sigset_t defaults;
@@ -60,8 +55,6 @@ void RunHelpViewer(const char* name) {
         }
     }
     posix_spawnattr_destroy(&attr);
-    sigaction(SIGINT, &oldInt, nullptr);
-    sigaction(SIGQUIT, &oldQuit, nullptr);
 }
 
 [[noreturn]] void Help(const char* argv0) {
