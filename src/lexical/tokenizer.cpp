@@ -23,7 +23,8 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Where the token that starts at s ends.
+}  // namespace
+
 const char* TokenEnd(const char* s) {
     char c = *s;
     switch (c) {
@@ -67,6 +68,8 @@ const char* TokenEnd(const char* s) {
     }
     return s + 1;
 }
+
+namespace {
 
 TokenType QuotedType(TokenScan* p) {
     const std::string& t = p->sToken.str();
