@@ -35,16 +35,18 @@ void Checker::TakePiece(size_t piece) {
         SkipPiece(piece);
         return;
     }
+    if (bDead && IsLabelLine(text)) {
+        // Where the jumps come in: a jump does not take the label's line, the lines after it run.
+        bDead = false;
+        return;
+    }
     if (bDead && EndsDeadRun(piece)) bDead = false;
     if (TopIs(Block::Text)) {
         // &BEGTYPE and &BEGSTACK read their lines themselves, up to the first &END.
         if (FirstWordIs(text.c_str(), "&END")) Stack().pop_back();
         return;
     }
-    // A label after a jump is where the jumps come in: the lines after it run again.
-    bool label = bDead && IsLabelLine(text);
     TakeLine(piece, 0, Context{true, false});
-    if (label) bDead = false;
     if (bJumped && !bDead) {
         bDead = true;
         aDeadStack.clear();
@@ -95,10 +97,8 @@ void Checker::TakeWordLine(size_t piece, size_t at) {
     TakeCommand(piece, at, nullptr);
 }
 
-// After the label's colon only white space or a comment may follow. A jump to the label does not
-// take its line: only a line reached in sequence is looked at.
+// After the label's colon only white space or a comment may follow.
 void Checker::TakeLabel(size_t piece, size_t at, size_t colon) {
-    if (bDead) return;
     const std::string& text = PieceAt(piece).sText;
     size_t after = colon + 1;
     while (after < text.size() && IsBlank(text[after])) ++after;

@@ -149,7 +149,7 @@ void Checker::CheckInteger(size_t piece, const Tokens& t, size_t at, size_t from
 }
 
 int Checker::KnownCondition(const Tokens& t, size_t end) {
-    if (end != 1 || t[0].eKind != Kind::Integer || t[1].eKind != Kind::End) return -1;
+    if (end != 1 || t[0].eKind != Kind::Integer) return -1;
     long value = strtol(t[0].sText.c_str(), nullptr, 10);
     return static_cast<uint16_t>(static_cast<unsigned long>(value)) != 0 ? 1 : 0;
 }

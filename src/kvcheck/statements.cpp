@@ -1,4 +1,6 @@
 // Statements: each statement word's rules, bound to the words by a table in the words' order.
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 #include "checker.h"
@@ -79,7 +81,9 @@ void Checker::ParseIf(const Statement& s) {
     switch (t.eKind) {
         case Kind::End: OpenIf(s, KnownCondition(s.aRest, end)); return;
         case Kind::Statement:
-        case Kind::Variable: TakeAction(s.uiPiece, t.uiStart, s.ctx); return;
+        case Kind::Variable:
+            if (KnownCondition(s.aRest, end) != 0) TakeAction(s.uiPiece, t.uiStart, s.ctx);
+            return;
         default: Add(s, t, Message::IfAction, {t.sText});
     }
 }
@@ -153,9 +157,11 @@ void Checker::ParseEndif(const Statement& s) {
 
 // ---- Loops --------------------------------------------------------------------------------
 
+// The start and limit expressions follow the "=".
 void Checker::ParseFor(const Statement& s) {
     CheckForHead(s);
-    CheckExpression(s.uiPiece, s.aRest, 0, s.aRest.size() - 1);
+    size_t from = s.aRest[0].eKind == Kind::Variable && s.aRest[1].Is("=") ? 2 : 0;
+    CheckExpression(s.uiPiece, s.aRest, from, s.aRest.size() - 1);
     Push(s, Block::For);
 }
 
@@ -264,12 +270,14 @@ void Checker::ParseShift(const Statement& s) {
     ParseExpression(s);
 }
 
-// "-" and a number that is not 0.
+// "-" and a number that kvexec takes as a negative count: truncated to a whole number, then to
+// its low 16 bits ("-0.5" is 0, "-40000" is 25536).
 bool Checker::NegativeCount(const Statement& s) const {
     const Tokens& t = s.aRest;
-    if (t.size() < 3 || !t[0].Is("-")) return false;
-    if (t[1].eKind != Kind::Integer && t[1].eKind != Kind::Float) return false;
-    return strtod(t[1].sText.c_str(), nullptr) != 0.0;
+    if (!t[0].Is("-") || (t[1].eKind != Kind::Integer && t[1].eKind != Kind::Float)) return false;
+    double value = std::trunc(strtod(t[1].sText.c_str(), nullptr));
+    if (value >= 2147483648.0) return false;
+    return static_cast<int16_t>(static_cast<uint16_t>(-static_cast<int32_t>(value))) < 0;
 }
 
 // &READ stops at the first word that is no variable.
