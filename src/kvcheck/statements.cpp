@@ -227,7 +227,7 @@ void Checker::ParseReturn(const Statement& s) {
     Jumps(s);
     if (!s.ctx.bBlocks || bDead) return;
     DropLingering();
-    if (aStack.empty())
+    if (Stack().empty())
         aReturns.emplace_back(s.uiPiece, s.word.uiStart);
     else
         NoPending(s, "&CALL");
