@@ -28,7 +28,8 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 // The marks a word may begin with and hold besides letters and digits.
 bool IsWordMark(char c) { return c == '.' || c == '/' || c == ':' || c == '_'; }
 
-// Where the token that starts at s ends.
+}  // namespace
+
 const char* TokenEnd(const char* s) {
     char c = *s;
     switch (c) {
@@ -80,6 +81,8 @@ const char* TokenEnd(const char* s) {
     }
     return s + 1;
 }
+
+namespace {
 
 TokenType QuotedType(TokenScan* p) {
     const std::string& t = p->sToken.str();

@@ -49,6 +49,9 @@ struct TokenScan {
 };
 
 bool GetNextToken(TokenScan* p);
+// Where the token that starts at s ends: s is at the token's first byte (not a blank, not the end
+// of the text). The cut GetNextToken makes, for readers of script lines that keep no TokenScan.
+const char* TokenEnd(const char* s);
 TokenType GetTokenType(TokenScan* p);
 void skip_spaces(TokenScan* p);
 // Moves the scan position to the end of the current line, so nothing more of it is interpreted.

@@ -8,6 +8,7 @@
 #   <case>.status   exit status (default 0)
 #   <case>.args     options and further files placed before the script name, one a line
 #   <case>.err      exact standard error (absent: must be empty)
+#   <case>.stdin    standard input (absent: empty)
 set -u
 bin=$(readlink -f "$1")
 case_path=$(readlink -f "$2")
@@ -24,9 +25,12 @@ fi
 want_status=0
 [ -f "$case_path.status" ] && want_status=$(tr -d ' \n' < "$case_path.status")
 
+stdin=/dev/null
+[ -f "$case_path.stdin" ] && stdin="$case_path.stdin"
+
 cd "$work" || exit 2
 env -i PATH="/usr/local/bin:/usr/bin:/bin" LC_ALL=C.UTF-8 \
-  timeout -s KILL 20 "$bin" "${args[@]}" "$name.kvx" < /dev/null > .stdout 2> .stderr
+  timeout -s KILL 20 "$bin" "${args[@]}" "$name.kvx" < "$stdin" > .stdout 2> .stderr
 status=$?
 
 fail=0
