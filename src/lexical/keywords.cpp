@@ -13,7 +13,9 @@ KeywordTable::KeywordTable(const char* const* names) {
     for (const char* const* n = names; *n; ++n) apszNames.push_back(*n);
 }
 
-size_t KeywordTable::Slot(size_t length, unsigned char last) { return length * 256 + last; }
+// Rows by length and the low five bits of the folded last character: a compact table, and both
+// cases of an ASCII letter share a slot.
+size_t KeywordTable::Slot(size_t length, unsigned char last) { return length * 32 + (last & 31u); }
 
 int KeywordTable::Find(const char* text) const {
     if (aRows.empty()) {
