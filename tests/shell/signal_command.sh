@@ -57,4 +57,17 @@ run_case hangup 129 HUP
 # the status would be 130 or 131.
 run_case interrupt 143 INT QUIT TERM
 
+# A plain "sleep 30" is started directly, so the signal reaches the sleep itself too. (Through
+# the shell, with KVEXEC_PLAIN, the shell gets it; what it does with its own child is its affair.)
+if [ -z "${KVEXEC_PLAIN:-}" ]; then
+    cat > script.kvx <<'KVX'
+&TYPE before
+sleep 30
+&TYPE after
+KVX
+    printf 'before\r\rsleep 30\r' > expected
+    run_case direct_terminate 143 TERM
+    run_case direct_hangup 129 HUP
+fi
+
 sht_pass
