@@ -21,14 +21,14 @@ const char* const weekdays[70] = {
 };
 
 namespace {
-time_t (*g_pfnClock)() = nullptr;
+time_t (*pfnClock)() = nullptr;
 constexpr long kLeapYearSeconds = 31622400;
 constexpr long kYearSeconds = 31536000;
 }  // namespace
 
-void SetClock(time_t (*clock)()) { g_pfnClock = clock; }
+void SetClock(time_t (*clock)()) { pfnClock = clock; }
 
-time_t Now() { return g_pfnClock ? g_pfnClock() : time(nullptr); }
+time_t Now() { return pfnClock ? pfnClock() : time(nullptr); }
 
 struct tm LocalNow() {
     time_t now = Now();

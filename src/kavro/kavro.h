@@ -111,7 +111,7 @@ void t_StackLoad();
 bool t_StackReady(bool bLine);
 CBString t_StackRead(int autoCount, bool* pbComplete, bool bRemove);
 void t_StackDump();
-const std::string& t_StackText();
+const std::string& StackContents();
 
 // ---- Commands and files ----------------------------------------------------------------
 

@@ -17,19 +17,19 @@ namespace kavro {
 
 namespace {
 
-struct termios g_saved;
-struct termios g_raw;
+struct termios termSaved;
+struct termios termRaw;
 // The terminal is in raw mode; and raw input is on, though a stop may have handed the terminal
 // back for a while.
-volatile sig_atomic_t g_bRaw = 0;
-volatile sig_atomic_t g_bRawInput = 0;
-bool g_bAtExit = false;
-int g_iCursor = 0;
+volatile sig_atomic_t bRaw = 0;
+volatile sig_atomic_t bRawInput = 0;
+bool bAtExit = false;
+int iCursor = 0;
 
 // Line-editor cursor, relative to the start of the input, and the wrap width (0: none).
-int g_iInRow = 0;
-int g_iInCol = 0;
-int g_iWidth = 0;
+int iInRow = 0;
+int iInCol = 0;
+int iWidth = 0;
 
 // Key codes beyond every character.
 constexpr int kKeySequence = 0x110000;  // an escape sequence with no meaning for line input
@@ -40,43 +40,43 @@ constexpr int kKeyRestMs = 30;
 constexpr int kSequenceNumberLimit = 100000;
 
 // The bytes of the last key read, and a byte read too far that the next key starts with.
-char g_acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
-size_t g_uiKey = 0;
-int g_iUnread = -1;
+char acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
+size_t uiKey = 0;
+int iUnread = -1;
 
 void LeaveRaw() {
     SignalGuard guard;
-    if (g_bRaw) tcsetattr(0, TCSANOW, &g_saved);
-    g_bRaw = 0;
-    g_bRawInput = 0;
+    if (bRaw) tcsetattr(0, TCSANOW, &termSaved);
+    bRaw = 0;
+    bRawInput = 0;
     SignalsRawInput(false);
 }
 
 void EnterRaw() {
-    if (g_bRawInput || !isatty(0)) return;
+    if (bRawInput || !isatty(0)) return;
     SignalGuard guard;
-    if (tcgetattr(0, &g_saved) != 0) return;
-    if (!g_bAtExit) {
-        g_bAtExit = true;
+    if (tcgetattr(0, &termSaved) != 0) return;
+    if (!bAtExit) {
+        bAtExit = true;
         atexit(LeaveRaw);
     }
-    g_raw = g_saved;
-    g_raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
-    g_raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
-    g_raw.c_cc[VMIN] = 1;
-    g_raw.c_cc[VTIME] = 0;
+    termRaw = termSaved;
+    termRaw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
+    termRaw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL);
+    termRaw.c_cc[VMIN] = 1;
+    termRaw.c_cc[VTIME] = 0;
     // TCSANOW, not TCSAFLUSH: keys typed ahead stay for the input that reads them.
-    if (tcsetattr(0, TCSANOW, &g_raw) == 0) {
-        g_bRaw = 1;
-        g_bRawInput = 1;
+    if (tcsetattr(0, TCSANOW, &termRaw) == 0) {
+        bRaw = 1;
+        bRawInput = 1;
         SignalsRawInput(true);
     }
 }
 
 int ReadByte(int timeoutMs) {
-    if (g_iUnread >= 0) {
-        int c = g_iUnread;
-        g_iUnread = -1;
+    if (iUnread >= 0) {
+        int c = iUnread;
+        iUnread = -1;
         return c;
     }
     if (timeoutMs >= 0) {
@@ -99,7 +99,7 @@ int ReadByte(int timeoutMs) {
 
 int KeyByte(int timeoutMs) {
     int c = ReadByte(timeoutMs);
-    if (c >= 0 && g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = static_cast<char>(c);
+    if (c >= 0 && uiKey < sizeof acKey) acKey[uiKey++] = static_cast<char>(c);
     return c;
 }
 
@@ -130,44 +130,44 @@ int ReadCharacter(int first) {
         b = static_cast<char>(next);
         r = mbrtowc(&wc, &b, 1, &state);
         if (r == static_cast<size_t>(-1)) {
-            g_iUnread = next;
+            iUnread = next;
             return kKeySequence;
         }
-        if (g_uiKey < sizeof g_acKey) g_acKey[g_uiKey++] = b;
+        if (uiKey < sizeof acKey) acKey[uiKey++] = b;
     }
     if (r == static_cast<size_t>(-1)) return kKeySequence;
-    return g_uiKey > 1 ? static_cast<int>(wc) : first;
+    return uiKey > 1 ? static_cast<int>(wc) : first;
 }
 
 // One key: a byte, or on the terminal an escape sequence or a whole character of several bytes.
 int ReadKey() {
-    g_uiKey = 0;
+    uiKey = 0;
     int c = KeyByte(-1);
-    if (c < 0 || !g_bRaw) return c;
+    if (c < 0 || !bRaw) return c;
     if (c == 0x1b) return ReadEscapeSequence();
     if (c >= 0x80 && MB_CUR_MAX > 1) return ReadCharacter(c);
     return c;
 }
 
 void MoveTo(int row, int col) {
-    if (g_iWidth > 0 && g_iInCol >= g_iWidth) {
+    if (iWidth > 0 && iInCol >= iWidth) {
         // The cursor waits on the last column after a write there.
-        if (row == g_iInRow + 1 && col == 0 && !TermDelaysWrap()) {
-            g_iInRow = row;
-            g_iInCol = 0;
+        if (row == iInRow + 1 && col == 0 && !TermDelaysWrap()) {
+            iInRow = row;
+            iInCol = 0;
             return;
         }
         TermCarriageReturn();
-        g_iInCol = 0;
+        iInCol = 0;
     }
-    if (row != g_iInRow) {
-        if (g_iInCol != 0) TermCarriageReturn();
-        TermMoveRelative(row - g_iInRow, col);
-    } else if (col != g_iInCol) {
-        TermMoveRelative(0, col - g_iInCol);
+    if (row != iInRow) {
+        if (iInCol != 0) TermCarriageReturn();
+        TermMoveRelative(row - iInRow, col);
+    } else if (col != iInCol) {
+        TermMoveRelative(0, col - iInCol);
     }
-    g_iInRow = row;
-    g_iInCol = col;
+    iInRow = row;
+    iInCol = col;
 }
 
 }  // namespace
@@ -182,17 +182,17 @@ TermWin TermGetWin() {
     w.iCol = TermColumn();
     struct winsize ws {};
     w.iWidth = (isatty(1) && ioctl(1, TIOCGWINSZ, &ws) == 0) ? ws.ws_col : 0;
-    g_iInRow = 0;
-    g_iInCol = w.iCol;
-    g_iWidth = w.iWidth;
+    iInRow = 0;
+    iInCol = w.iCol;
+    iWidth = w.iWidth;
     return w;
 }
 
 int TermGetActive() { return 252; }
 
 int TermSetCursor(int shape) {
-    int previous = g_iCursor;
-    g_iCursor = shape;
+    int previous = iCursor;
+    iCursor = shape;
     if (shape == 2)
         EnterRaw();
     else
@@ -208,8 +208,8 @@ int TermGetUnicode() {
 }
 
 const char* TermKeyText(size_t* length) {
-    *length = g_uiKey;
-    return g_acKey;
+    *length = uiKey;
+    return acKey;
 }
 
 int TermConvIn(int key) {
@@ -221,7 +221,7 @@ int TermConvIn(int key) {
 void TermMvwaddch(int /*win*/, int row, int col, int ch) {
     MoveTo(row, col);
     TermPut(ch);
-    if (g_iInCol < INT_MAX) ++g_iInCol;
+    if (iInCol < INT_MAX) ++iInCol;
 }
 
 void TermMoveInput(int row, int col) { MoveTo(row, col); }
@@ -246,17 +246,17 @@ void pagewait() {
 }
 
 bool KeyboardSuspendRaw() {
-    if (!g_bRaw) return false;
-    tcsetattr(0, TCSANOW, &g_saved);
-    g_bRaw = 0;
+    if (!bRaw) return false;
+    tcsetattr(0, TCSANOW, &termSaved);
+    bRaw = 0;
     return true;
 }
 
 void KeyboardResumeRaw() {
     // Continued in the background the terminal stays as it is: raw mode comes back with the
     // continue that brings the process to the foreground.
-    if (!g_bRawInput || tcgetpgrp(0) != getpgrp()) return;
-    if (tcsetattr(0, TCSANOW, &g_raw) == 0) g_bRaw = 1;
+    if (!bRawInput || tcgetpgrp(0) != getpgrp()) return;
+    if (tcsetattr(0, TCSANOW, &termRaw) == 0) bRaw = 1;
 }
 
 }  // namespace kavro

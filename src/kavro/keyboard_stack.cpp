@@ -5,48 +5,48 @@
 namespace kavro {
 
 namespace {
-std::string g_sStack;  // live contents
-std::string g_sSaved;  // snapshot taken by t_StackSave
+std::string sStack;  // live contents
+std::string sSaved;  // snapshot taken by t_StackSave
 }  // namespace
 
 bool t_bStackShow = false;
 
 void t_StackWrite(const char* text) {
-    if (text) g_sStack += text;
+    if (text) sStack += text;
 }
-void t_StackWrite(const CBString& text) { g_sStack += text.str(); }
+void t_StackWrite(const CBString& text) { sStack += text.str(); }
 
 void t_StackClear() {
-    g_sStack.clear();
-    g_sSaved.clear();
+    sStack.clear();
+    sSaved.clear();
 }
 
-void t_StackSave() { g_sSaved = g_sStack; }
+void t_StackSave() { sSaved = sStack; }
 
 void t_StackLoad() {
-    if (g_sStack.empty()) g_sStack = g_sSaved;
+    if (sStack.empty()) sStack = sSaved;
 }
 
-bool t_StackReady(bool /*bLine*/) { return !g_sStack.empty(); }
+bool t_StackReady(bool /*bLine*/) { return !sStack.empty(); }
 
 // Takes the next line (without its line feed); with autoCount > 0 at most that many characters,
 // the rest staying stacked. *pbComplete tells whether a line feed ended what was taken.
 CBString t_StackRead(int autoCount, bool* pbComplete, bool bRemove) {
-    size_t nl = g_sStack.find('\n');
-    size_t len = nl == std::string::npos ? g_sStack.size() : nl;
+    size_t nl = sStack.find('\n');
+    size_t len = nl == std::string::npos ? sStack.size() : nl;
     bool complete = nl != std::string::npos;
     if (autoCount > 0 && len > static_cast<size_t>(autoCount)) {
         len = static_cast<size_t>(autoCount);
         complete = false;
     }
-    CBString line(g_sStack.data(), len);
-    if (bRemove) g_sStack.erase(0, complete ? len + 1 : len);
+    CBString line(sStack.data(), len);
+    if (bRemove) sStack.erase(0, complete ? len + 1 : len);
     if (pbComplete) *pbComplete = complete;
     return line;
 }
 
-void t_StackDump() { TermPrintf("<stack \"%s\">\r", g_sStack.c_str()); }
+void t_StackDump() { TermPrintf("<stack \"%s\">\r", sStack.c_str()); }
 
-const std::string& t_StackText() { return g_sStack; }
+const std::string& StackContents() { return sStack; }
 
 }  // namespace kavro

@@ -29,36 +29,36 @@ namespace kavro {
 
 namespace {
 
-TermMode g_mode = TermMode::Raw;
-std::string g_sOut;
-volatile size_t g_uiWritten = 0;  // bytes at the start of g_sOut already written
-std::string* g_pCapture = nullptr;
-bool g_bTty = false;
-int g_iColumn = 0;
+TermMode eMode = TermMode::Raw;
+std::string sOut;
+volatile size_t uiWritten = 0;  // bytes at the start of sOut already written
+std::string* pCapture = nullptr;
+bool bTty = false;
+int iColumn = 0;
 
 // Writes to a pipe, a socket or a terminal go in pieces small enough not to block once the
 // output has room; a regular file takes everything at once.
-size_t g_uiPiece = PIPE_BUF;
-bool g_bFailed = false;   // a write failed: the run is ending, nothing more is written
-bool g_bExiting = false;  // the buffer is being written at the end of the run
-volatile sig_atomic_t g_bClosed = 0;
+size_t uiPiece = PIPE_BUF;
+bool bFailed = false;   // a write failed: the run is ending, nothing more is written
+bool bExiting = false;  // the buffer is being written at the end of the run
+volatile sig_atomic_t bClosed = 0;
 // How long the signal path waits for a stalled output before giving up what is left.
 constexpr int kSignalWaitMs = 1000;
 
 // ansi mode state
-bool g_bTerminfo = false;
-bool g_bUtf8 = false;
-unsigned g_uiAttrs = 0;
+bool bTerminfo = false;
+bool bUtf8 = false;
+unsigned uiAttrs = 0;
 // bytes of a UTF-8 sequence being assembled, and how many more it needs
-unsigned char g_abPending[4];
-int g_iPending = 0;
-int g_iNeed = 0;
+unsigned char abPending[4];
+int iPending = 0;
+int iNeed = 0;
 
 constexpr size_t kFlushAt = 1 << 16;
 // Output waiting longer than this is written when the script next reads a line, so a run that
 // goes on without writing (a long loop, a wait) still shows what it wrote before.
 constexpr long kStaleNanoseconds = 50L * 1000 * 1000;
-long g_lPendingSince = 0;
+long lPendingSince = 0;
 
 long MonotonicNanoseconds() {
     struct timespec ts;
@@ -70,23 +70,23 @@ long MonotonicNanoseconds() {
 [[noreturn]] void WriteFailed(int error) {
     {
         SignalGuard guard;
-        g_bFailed = true;
-        g_sOut.clear();
-        g_uiWritten = 0;
+        bFailed = true;
+        sOut.clear();
+        uiWritten = 0;
     }
     std::string message = "kvexec: write error: ";
     message += strerror(error);
     message += "\n";
     ssize_t rc = write(2, message.data(), message.size());
     (void)rc;
-    if (g_bExiting) _exit(1);
+    if (bExiting) _exit(1);
     exit(1);
 }
 
 // Writes the rest of the buffer. An output that cannot take more just now (a full pipe, a
 // non-blocking descriptor) is waited for; signals are handled while waiting.
 void WriteWaiting() {
-    while (g_uiWritten < g_sOut.size()) {
+    while (uiWritten < sOut.size()) {
         struct pollfd pfd {
             1, POLLOUT, 0
         };
@@ -96,12 +96,12 @@ void WriteWaiting() {
         }
         sigset_t saved;
         SignalsHold(&saved);
-        size_t from = g_uiWritten;
-        size_t n = g_sOut.size() - from;
-        if (n > g_uiPiece) n = g_uiPiece;
-        ssize_t w = n > 0 ? write(1, g_sOut.data() + from, n) : 0;
+        size_t from = uiWritten;
+        size_t n = sOut.size() - from;
+        if (n > uiPiece) n = uiPiece;
+        ssize_t w = n > 0 ? write(1, sOut.data() + from, n) : 0;
         int error = errno;
-        if (w > 0) g_uiWritten = from + static_cast<size_t>(w);
+        if (w > 0) uiWritten = from + static_cast<size_t>(w);
         SignalsRelease(&saved);
         if (w < 0 && (error == EINTR || error == EAGAIN || error == EWOULDBLOCK)) continue;
         if (w < 0) WriteFailed(error);
@@ -112,22 +112,22 @@ void WriteWaiting() {
 int Saturated(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : static_cast<int>(v); }
 
 void AdvanceColumn() {
-    if (g_iColumn < INT_MAX) ++g_iColumn;
+    if (iColumn < INT_MAX) ++iColumn;
 }
 
 // Where the cursor goes for one byte of output: text advances it, and screen codes move it as
 // the terminal will. Bytes of a UTF-8 sequence after its first take no column; other bytes in
 // 0x80-0xbf are screen codes, as the translation below reads them.
-int g_iTrackNeed = 0;
+int iTrackNeed = 0;
 
 void Track(unsigned char c) {
-    if (g_iTrackNeed > 0 && (c & 0xc0) == 0x80) {
-        --g_iTrackNeed;
+    if (iTrackNeed > 0 && (c & 0xc0) == 0x80) {
+        --iTrackNeed;
         return;
     }
-    g_iTrackNeed = 0;
+    iTrackNeed = 0;
     if (c >= 0xc2 && c <= 0xf4) {
-        g_iTrackNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
+        iTrackNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
         AdvanceColumn();
         return;
     }
@@ -137,10 +137,10 @@ void Track(unsigned char c) {
         case 0x01:  // home
         case 0x0c:  // clear
         case 0x80:  // new line
-            g_iColumn = 0;
+            iColumn = 0;
             return;
-        case '\b': g_iColumn = g_iColumn > 0 ? g_iColumn - 1 : 0; return;
-        case '\t': g_iColumn = Saturated((static_cast<long long>(g_iColumn) / 8 + 1) * 8); return;
+        case '\b': iColumn = iColumn > 0 ? iColumn - 1 : 0; return;
+        case '\t': iColumn = Saturated((static_cast<long long>(iColumn) / 8 + 1) * 8); return;
         case 0x06: AdvanceColumn(); return;  // cursor right
         default: break;
     }
@@ -151,7 +151,7 @@ void Track(unsigned char c) {
 }
 
 int PutSeqChar(int c) {
-    g_sOut.push_back(static_cast<char>(c));
+    sOut.push_back(static_cast<char>(c));
     return c;
 }
 
@@ -181,7 +181,7 @@ void StepCap(const char* name) {
 
 void ApplyAttributes() {
     const char* sgr = Str("sgr");
-    auto on = [](unsigned bit) { return (g_uiAttrs & bit) ? 1 : 0; };
+    auto on = [](unsigned bit) { return (uiAttrs & bit) ? 1 : 0; };
     if (sgr) {
         Cap(tiparm(sgr, on(kAttrStandout), on(kAttrUnderline), on(kAttrReverse), on(kAttrBlink), on(kAttrDim),
                    on(kAttrBold), 0, 0, 0));
@@ -201,66 +201,66 @@ void AnsiCode(unsigned char c) {
     const TermCode* code = FindTermCode(c);
     if (!code) return;
     switch (code->eAction) {
-        case TermAction::Newline: g_sOut += "\r\n"; break;
-        case TermAction::Text: g_sOut.push_back(static_cast<char>(c)); break;
+        case TermAction::Newline: sOut += "\r\n"; break;
+        case TermAction::Text: sOut.push_back(static_cast<char>(c)); break;
         case TermAction::Capability:
-            if (g_bTerminfo)
+            if (bTerminfo)
                 StepCap(code->pszCap);
             else if (c == '\b' || c == '\a' || c == '\n')
-                g_sOut.push_back(static_cast<char>(c));
+                sOut.push_back(static_cast<char>(c));
             break;
         case TermAction::AttrOn:
         case TermAction::AttrOff: {
-            unsigned before = g_uiAttrs;
+            unsigned before = uiAttrs;
             if (code->eAction == TermAction::AttrOn)
-                g_uiAttrs |= code->uiAttr;
+                uiAttrs |= code->uiAttr;
             else
-                g_uiAttrs &= ~code->uiAttr;
-            if (g_bTerminfo && before != g_uiAttrs) ApplyAttributes();
+                uiAttrs &= ~code->uiAttr;
+            if (bTerminfo && before != uiAttrs) ApplyAttributes();
             break;
         }
-        case TermAction::Box: g_sOut += g_bUtf8 ? code->pszUnicode : code->pszAscii; break;
+        case TermAction::Box: sOut += bUtf8 ? code->pszUnicode : code->pszAscii; break;
         case TermAction::Drop: break;
     }
 }
 
 void TextCode(unsigned char c) {
     if (c == '\r')
-        g_sOut.push_back('\n');
+        sOut.push_back('\n');
     else if (c == '\n' || c == '\t')
-        g_sOut.push_back(static_cast<char>(c));
+        sOut.push_back(static_cast<char>(c));
     else if (const TermCode* code = FindTermCode(c); code && code->eAction == TermAction::Newline)
-        g_sOut.push_back('\n');
+        sOut.push_back('\n');
 }
 
 void Code(unsigned char c) {
-    if (g_mode == TermMode::Ansi)
+    if (eMode == TermMode::Ansi)
         AnsiCode(c);
     else
         TextCode(c);
 }
 
 void FlushPending() {
-    g_sOut.append(reinterpret_cast<const char*>(g_abPending), static_cast<size_t>(g_iPending));
-    g_iPending = 0;
-    g_iNeed = 0;
+    sOut.append(reinterpret_cast<const char*>(abPending), static_cast<size_t>(iPending));
+    iPending = 0;
+    iNeed = 0;
 }
 
 // Feeds one byte through the translation of the ansi and text modes. Bytes of well-formed UTF-8
 // sequences are text; control bytes and stray bytes from the code tables are screen codes.
 void Translate(unsigned char c) {
-    if (g_iNeed > 0) {
+    if (iNeed > 0) {
         if ((c & 0xc0) == 0x80) {
-            g_abPending[g_iPending++] = c;
-            if (--g_iNeed == 0) FlushPending();
+            abPending[iPending++] = c;
+            if (--iNeed == 0) FlushPending();
             return;
         }
         FlushPending();
     }
     if (c >= 0xc2 && c <= 0xf4) {
-        g_abPending[0] = c;
-        g_iPending = 1;
-        g_iNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
+        abPending[0] = c;
+        iPending = 1;
+        iNeed = c >= 0xf0 ? 3 : c >= 0xe0 ? 2 : 1;
         return;
     }
     if (c < 0x20 || c == 0x7f || (c >= 0x80 && c < 0xc0)) {
@@ -269,39 +269,39 @@ void Translate(unsigned char c) {
             return;
         }
     }
-    g_sOut.push_back(static_cast<char>(c));
+    sOut.push_back(static_cast<char>(c));
 }
 
 void Emit(const char* p, size_t n) {
     {
         SignalGuard guard;
-        if (g_sOut.empty()) g_lPendingSince = MonotonicNanoseconds();
+        if (sOut.empty()) lPendingSince = MonotonicNanoseconds();
         for (size_t i = 0; i < n; ++i) Track(static_cast<unsigned char>(p[i]));
-        if (g_mode == TermMode::Raw)
-            g_sOut.append(p, n);
+        if (eMode == TermMode::Raw)
+            sOut.append(p, n);
         else
             for (size_t i = 0; i < n; ++i) Translate(static_cast<unsigned char>(p[i]));
     }
-    if (g_bTty || g_sOut.size() >= kFlushAt) TermFlush();
+    if (bTty || sOut.size() >= kFlushAt) TermFlush();
 }
 
 void SetupTerminfo() {
     int err = 0;
     const char* term = getenv("TERM");
-    g_bTerminfo = term && *term && setupterm(term, 1, &err) == OK;
+    bTerminfo = term && *term && setupterm(term, 1, &err) == OK;
     const char* cs = nl_langinfo(CODESET);
-    g_bUtf8 = cs && (strcasecmp(cs, "UTF-8") == 0 || strcasecmp(cs, "utf8") == 0);
+    bUtf8 = cs && (strcasecmp(cs, "UTF-8") == 0 || strcasecmp(cs, "utf8") == 0);
 }
 
 void FlushAtExit() {
-    g_bExiting = true;
+    bExiting = true;
     TermFlush();
-    g_bClosed = 1;
+    bClosed = 1;
 }
 
 void ChooseWritePiece() {
     struct stat st {};
-    g_uiPiece = (fstat(1, &st) == 0 && S_ISREG(st.st_mode)) ? SIZE_MAX : PIPE_BUF;
+    uiPiece = (fstat(1, &st) == 0 && S_ISREG(st.st_mode)) ? SIZE_MAX : PIPE_BUF;
 }
 
 }  // namespace
@@ -314,9 +314,9 @@ void TermInit() {
         SignalsInit();
     }
     ChooseWritePiece();
-    g_bTty = isatty(1) != 0;
+    bTty = isatty(1) != 0;
     const char* m = getenv("KVEXEC_TERM");
-    TermMode mode = g_bTty ? TermMode::Ansi : TermMode::Raw;
+    TermMode mode = bTty ? TermMode::Ansi : TermMode::Raw;
     if (m && strcmp(m, "raw") == 0)
         mode = TermMode::Raw;
     else if (m && strcmp(m, "ansi") == 0)
@@ -329,13 +329,13 @@ void TermInit() {
 void TermSetMode(TermMode mode) {
     TermFlush();
     SignalGuard guard;
-    g_mode = mode;
-    g_uiAttrs = 0;
-    g_iPending = g_iNeed = 0;
+    eMode = mode;
+    uiAttrs = 0;
+    iPending = iNeed = 0;
     if (mode == TermMode::Ansi) SetupTerminfo();
 }
 
-TermMode TermGetMode() { return g_mode; }
+TermMode TermGetMode() { return eMode; }
 
 void TermPrintf(const char* format, ...) {
     char small[512];
@@ -364,30 +364,30 @@ void TermPut(int c) {
 }
 
 void TermMove(int row, int col) {
-    if (g_mode == TermMode::Text) return;
+    if (eMode == TermMode::Text) return;
     {
         SignalGuard guard;
-        if (g_mode == TermMode::Ansi && g_bTerminfo) {
+        if (eMode == TermMode::Ansi && bTerminfo) {
             Cap(tiparm(Str("cup"), row, col));
         } else {
             char seq[40];
             snprintf(seq, sizeof seq, "\x1b[%lld;%lldH", row + 1LL, col + 1LL);
-            g_sOut += seq;
+            sOut += seq;
         }
-        g_iColumn = col;
+        iColumn = col;
     }
-    if (g_bTty) TermFlush();
+    if (bTty) TermFlush();
 }
 
 // Cursor moves inside the line being edited, relative to where the cursor stands.
 void TermMoveRelative(int rows, int cols) {
     auto repeat = [](const char* cap, const char* fallback, int n) {
         for (int i = 0; i < n; ++i) {
-            const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str(cap) : nullptr;
+            const char* s = (eMode == TermMode::Ansi && bTerminfo) ? Str(cap) : nullptr;
             if (s)
                 Cap(s);
             else
-                g_sOut += fallback;
+                sOut += fallback;
         }
     };
     {
@@ -396,72 +396,72 @@ void TermMoveRelative(int rows, int cols) {
         if (rows > 0) repeat("cud1", "\x1b[B", rows);
         if (cols < 0) repeat("cub1", "\b", -cols);
         if (cols > 0) repeat("cuf1", "\x1b[C", cols);
-        g_iColumn = Saturated(static_cast<long long>(g_iColumn) + cols);
+        iColumn = Saturated(static_cast<long long>(iColumn) + cols);
     }
-    if (g_bTty) TermFlush();
+    if (bTty) TermFlush();
 }
 
 void TermCarriageReturn() {
     {
         SignalGuard guard;
-        const char* s = (g_mode == TermMode::Ansi && g_bTerminfo) ? Str("cr") : nullptr;
+        const char* s = (eMode == TermMode::Ansi && bTerminfo) ? Str("cr") : nullptr;
         if (s)
             Cap(s);
         else
-            g_sOut += "\r";
-        g_iColumn = 0;
+            sOut += "\r";
+        iColumn = 0;
     }
-    if (g_bTty) TermFlush();
+    if (bTty) TermFlush();
 }
 
-bool TermDelaysWrap() { return !(g_mode == TermMode::Ansi && g_bTerminfo) || tigetflag("xenl") > 0; }
+bool TermDelaysWrap() { return !(eMode == TermMode::Ansi && bTerminfo) || tigetflag("xenl") > 0; }
 
 void TermFlush() {
-    if (g_sOut.empty()) return;
-    if (g_pCapture) {
+    if (sOut.empty()) return;
+    if (pCapture) {
         SignalGuard guard;
-        g_pCapture->append(g_sOut);
-        g_sOut.clear();
+        pCapture->append(sOut);
+        sOut.clear();
         return;
     }
-    if (!g_bFailed) WriteWaiting();
+    if (!bFailed) WriteWaiting();
     SignalGuard guard;
-    g_sOut.clear();
-    g_uiWritten = 0;
+    sOut.clear();
+    uiWritten = 0;
 }
 
 void TermFlushIfStale() {
-    if (!g_sOut.empty() && MonotonicNanoseconds() - g_lPendingSince >= kStaleNanoseconds) TermFlush();
+    if (!sOut.empty() && MonotonicNanoseconds() - lPendingSince >= kStaleNanoseconds) TermFlush();
 }
 
-int TermColumn() { return g_iColumn; }
+int TermColumn() { return iColumn; }
 
 // The signal path: nothing here may allocate or take a lock.
 void OutputWriteWaiting() {
-    if (g_pCapture || g_bFailed || g_bClosed) return;
-    const char* p = g_sOut.data();
-    size_t size = g_sOut.size();
-    while (g_uiWritten < size) {
+    if (pCapture || bFailed || bClosed) return;
+    const char* p = sOut.data();
+    size_t size = sOut.size();
+    while (uiWritten < size) {
         struct pollfd pfd {
             1, POLLOUT, 0
         };
         int ready = poll(&pfd, 1, kSignalWaitMs);
         if (ready < 0 && errno == EINTR) continue;
         if (ready <= 0) return;
-        size_t n = size - g_uiWritten;
-        if (n > g_uiPiece) n = g_uiPiece;
-        ssize_t w = write(1, p + g_uiWritten, n);
+        size_t n = size - uiWritten;
+        if (n > uiPiece) n = uiPiece;
+        ssize_t w = write(1, p + uiWritten, n);
         if (w < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK)) continue;
         if (w <= 0) return;
-        g_uiWritten = g_uiWritten + static_cast<size_t>(w);
+        uiWritten = uiWritten + static_cast<size_t>(w);
     }
 }
 
 void TermCapture(std::string* sink) {
     TermFlush();
     SignalGuard guard;
-    g_pCapture = sink;
-    g_bTty = !sink && isatty(1) != 0;
+    pCapture = sink;
+    bTty = !sink && isatty(1) != 0;
 }
 
 }  // namespace kavro

@@ -23,7 +23,7 @@ namespace {
 
 // A file holding the stacked text, positioned at its start, or -1.
 int StackAsInput() {
-    const std::string& text = t_StackText();
+    const std::string& text = StackContents();
     if (text.empty()) return -1;
     int fd = memfd_create("kvexec-stack", MFD_CLOEXEC);
     if (fd < 0) {
@@ -60,18 +60,18 @@ pid_t StartCommand(const char* command, int input, const posix_spawn_file_action
 // Interrupt or quit typed at the terminal while a command started directly runs. The shell would
 // have received it as well: on interrupt it waits for its command and then ends as interrupted,
 // on quit it ends at once.
-volatile sig_atomic_t g_iTyped = 0;
-pthread_t g_waiter;  // the thread waiting for the command
+volatile sig_atomic_t iTyped = 0;
+pthread_t thWaiter;  // the thread waiting for the command
 
 void NoteTyped(int sig, siginfo_t* info, void* /*context*/) {
-    if (info && info->si_code == SI_KERNEL && g_iTyped != SIGQUIT) g_iTyped = sig;
+    if (info && info->si_code == SI_KERNEL && iTyped != SIGQUIT) iTyped = sig;
     // A key reaches whichever thread of the process takes it: quit must wake the waiting one.
-    if (sig == SIGQUIT && g_iTyped == SIGQUIT && !pthread_equal(pthread_self(), g_waiter))
-        pthread_kill(g_waiter, SIGQUIT);
+    if (sig == SIGQUIT && iTyped == SIGQUIT && !pthread_equal(pthread_self(), thWaiter))
+        pthread_kill(thWaiter, SIGQUIT);
 }
 
 void WatchTyped() {
-    g_waiter = pthread_self();
+    thWaiter = pthread_self();
     struct sigaction note {};
     note.sa_sigaction = NoteTyped;
     note.sa_flags = SA_SIGINFO;  // no SA_RESTART: quit must end the wait
@@ -83,7 +83,7 @@ void WatchTyped() {
 // Waits for the command and returns its wait status. A quit typed meanwhile ends the wait.
 int Await(pid_t pid) {
     int ws = 0;
-    while (g_iTyped != SIGQUIT && waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
+    while (iTyped != SIGQUIT && waitpid(pid, &ws, 0) < 0 && errno == EINTR) {
     }
     return ws;
 }
@@ -112,9 +112,9 @@ void ReportSignal(int ws) {
 // what the shell would have said and done: its note on a signal, and its own end on a typed key.
 int Status(int ws, bool bDirect) {
     if (bDirect) {
-        if (g_iTyped == SIGQUIT) return 128 + SIGQUIT;
+        if (iTyped == SIGQUIT) return 128 + SIGQUIT;
         if (WIFSIGNALED(ws)) ReportSignal(ws);
-        if (g_iTyped == SIGINT) return 128 + SIGINT;
+        if (iTyped == SIGINT) return 128 + SIGINT;
     }
     if (WIFSIGNALED(ws)) return 128 + WTERMSIG(ws);
     return WIFEXITED(ws) ? WEXITSTATUS(ws) : 127;
@@ -160,7 +160,7 @@ int t_system(const char* command) {
     int status = 127;
     {
         InterruptsIgnored ignored;
-        g_iTyped = 0;
+        iTyped = 0;
         bool bDirect = false;
         // Terminate and hangup go on to the command, and end the run once it has ended.
         SignalsCommandStarting();

@@ -11,7 +11,7 @@ namespace kavro {
 unsigned uiOutsideTurns = 0;
 
 namespace {
-KavroEnv g_env;
+KavroEnv sessionEnv;
 
 char EnvLetter(const char* name, char fallback) {
     const char* v = getenv(name);
@@ -44,29 +44,29 @@ const CBString& AccountName() {
     if (!bAccountKnown) {
         bAccountKnown = true;
         if (bAccountSet)
-            g_env.sAccount = sAccountSet;
+            sessionEnv.sAccount = sAccountSet;
         else if (struct passwd* pw = getpwuid(getuid()))
-            g_env.sAccount = pw->pw_name;
+            sessionEnv.sAccount = pw->pw_name;
         else
-            g_env.sAccount = sUserSet;
+            sessionEnv.sAccount = sUserSet;
     }
-    return g_env.sAccount;
+    return sessionEnv.sAccount;
 }
 
-KavroEnv* Kavro = &g_env;
+KavroEnv* Kavro = &sessionEnv;
 std::vector<CBString> t_asCmdargs;
 
 int t_Init(int argc, char** argv, int /*mode*/, bool /*bQuiet*/) {
     t_asCmdargs.clear();
     for (int i = 0; i < argc; ++i) t_asCmdargs.emplace_back(argv[i]);
     NoteAccountSources();
-    g_env.cDateStyle = EnvLetter("KVEXEC_DATE_STYLE", 'Y');
-    g_env.iYearMode = static_cast<int>(EnvNumber("KVEXEC_YEAR_MODE", 1));
-    g_env.uiSerial1 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL1", 0));
-    g_env.uiSerial2 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL2", 0));
-    g_env.cCaseMode = EnvLetter("KVEXEC_CASE", 'M');
+    sessionEnv.cDateStyle = EnvLetter("KVEXEC_DATE_STYLE", 'Y');
+    sessionEnv.iYearMode = static_cast<int>(EnvNumber("KVEXEC_YEAR_MODE", 1));
+    sessionEnv.uiSerial1 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL1", 0));
+    sessionEnv.uiSerial2 = static_cast<uint16_t>(EnvNumber("KVEXEC_SERIAL2", 0));
+    sessionEnv.cCaseMode = EnvLetter("KVEXEC_CASE", 'M');
     const char* plain = getenv("KVEXEC_PLAIN");
-    g_env.bPlain = plain && *plain;
+    sessionEnv.bPlain = plain && *plain;
     TermInit();
     return argc;
 }

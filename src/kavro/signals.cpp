@@ -21,26 +21,26 @@ namespace {
 const int aEndingSignals[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGPIPE, SIGALRM,   SIGTERM,
                               SIGUSR1, SIGUSR2, SIGXCPU, SIGXFSZ, SIGVTALRM, SIGPROF};
 
-sigset_t g_handled;  // every signal with a handler here, held back while one runs
-bool g_bStopIgnored = false;
-bool g_bRawInput = false;
-struct sigaction g_oldStop, g_oldContinue;
+sigset_t setHandled;  // every signal with a handler here, held back while one runs
+bool bStopIgnored = false;
+bool bRawInput = false;
+struct sigaction saOldStop, saOldContinue;
 
-pthread_t g_owner;
-volatile sig_atomic_t g_bOwnerGone = 1;
+pthread_t thOwner;
+volatile sig_atomic_t bOwnerGone = 1;
 
-volatile sig_atomic_t g_iGuard = 0;
-volatile sig_atomic_t g_iDeferred = 0;
+volatile sig_atomic_t iGuard = 0;
+volatile sig_atomic_t iDeferred = 0;
 
-volatile sig_atomic_t g_pidCommand = 0;
-volatile sig_atomic_t g_iPassedOn = 0;
-sigset_t g_commandMask;
+volatile sig_atomic_t pidCommand = 0;
+volatile sig_atomic_t iPassedOn = 0;
+sigset_t setCommandMask;
 
 // Marks the end of the interpreter's thread: from then on a handler runs where it lands.
 struct OwnerMark {
     bool bSet = false;
     ~OwnerMark() {
-        if (bSet) g_bOwnerGone = 1;
+        if (bSet) bOwnerGone = 1;
     }
 };
 thread_local OwnerMark t_ownerMark;
@@ -48,14 +48,14 @@ thread_local OwnerMark t_ownerMark;
 void Fence() { std::atomic_signal_fence(std::memory_order_seq_cst); }
 
 bool PassedToOwner(int sig) {
-    if (g_bOwnerGone || pthread_equal(pthread_self(), g_owner)) return false;
-    return pthread_kill(g_owner, sig) == 0;
+    if (bOwnerGone || pthread_equal(pthread_self(), thOwner)) return false;
+    return pthread_kill(thOwner, sig) == 0;
 }
 
 void SetAction(int sig, void (*handler)(int), struct sigaction* old) {
     struct sigaction sa {};
     sa.sa_handler = handler;
-    sa.sa_mask = g_handled;
+    sa.sa_mask = setHandled;
     sa.sa_flags = SA_RESTART;
     sigaction(sig, &sa, old);
 }
@@ -68,7 +68,7 @@ void SetDefault(int sig) {
 }
 
 [[noreturn]] void EndBySignal(int sig) {
-    pthread_sigmask(SIG_BLOCK, &g_handled, nullptr);
+    pthread_sigmask(SIG_BLOCK, &setHandled, nullptr);
     KeyboardSuspendRaw();
     OutputWriteWaiting();
     SetDefault(sig);
@@ -86,7 +86,7 @@ void OnStop(int sig);
 // written; the code after the unblocking runs once the process is continued.
 void Stop() {
     sigset_t saved;
-    pthread_sigmask(SIG_BLOCK, &g_handled, &saved);
+    pthread_sigmask(SIG_BLOCK, &setHandled, &saved);
     KeyboardSuspendRaw();
     OutputWriteWaiting();
     SetDefault(SIGTSTP);
@@ -96,14 +96,14 @@ void Stop() {
     sigaddset(&one, SIGTSTP);
     pthread_sigmask(SIG_UNBLOCK, &one, nullptr);
     pthread_sigmask(SIG_BLOCK, &one, nullptr);
-    if (g_bRawInput) SetAction(SIGTSTP, OnStop, nullptr);
+    if (bRawInput) SetAction(SIGTSTP, OnStop, nullptr);
     KeyboardResumeRaw();
     pthread_sigmask(SIG_SETMASK, &saved, nullptr);
 }
 
 void Resume() {
     sigset_t saved;
-    pthread_sigmask(SIG_BLOCK, &g_handled, &saved);
+    pthread_sigmask(SIG_BLOCK, &setHandled, &saved);
     KeyboardResumeRaw();
     pthread_sigmask(SIG_SETMASK, &saved, nullptr);
 }
@@ -113,14 +113,14 @@ bool IsEnding(int sig) { return sig != SIGTSTP && sig != SIGCONT; }
 // One signal waits for the guard to end; one that ends the process comes before a stop, and a
 // stop before a continue.
 void Defer(int sig) {
-    int waiting = g_iDeferred;
+    int waiting = iDeferred;
     if (waiting == 0 || (IsEnding(sig) && !IsEnding(waiting)) || (sig == SIGTSTP && waiting == SIGCONT))
-        g_iDeferred = sig;
+        iDeferred = sig;
 }
 
 void HandleDeferred() {
-    int sig = g_iDeferred;
-    g_iDeferred = 0;
+    int sig = iDeferred;
+    iDeferred = 0;
     if (sig == SIGTSTP)
         Stop();
     else if (sig == SIGCONT)
@@ -132,10 +132,10 @@ void HandleDeferred() {
 void OnEnd(int sig) {
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
-        if ((sig == SIGTERM || sig == SIGHUP) && g_pidCommand > 0) {
-            kill(static_cast<pid_t>(g_pidCommand), sig);
-            if (g_iPassedOn == 0) g_iPassedOn = sig;
-        } else if (g_iGuard > 0) {
+        if ((sig == SIGTERM || sig == SIGHUP) && pidCommand > 0) {
+            kill(static_cast<pid_t>(pidCommand), sig);
+            if (iPassedOn == 0) iPassedOn = sig;
+        } else if (iGuard > 0) {
             Defer(sig);
         } else {
             EndBySignal(sig);
@@ -147,7 +147,7 @@ void OnEnd(int sig) {
 void OnStop(int sig) {
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
-        if (g_iGuard > 0)
+        if (iGuard > 0)
             Defer(sig);
         else
             Stop();
@@ -158,7 +158,7 @@ void OnStop(int sig) {
 void OnContinue(int sig) {
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
-        if (g_iGuard > 0)
+        if (iGuard > 0)
             Defer(sig);
         else
             KeyboardResumeRaw();
@@ -172,14 +172,14 @@ void SignalsInit() {
     static bool done = false;
     if (done) return;
     done = true;
-    g_owner = pthread_self();
+    thOwner = pthread_self();
     t_ownerMark.bSet = true;
-    g_bOwnerGone = 0;
+    bOwnerGone = 0;
 
-    sigemptyset(&g_handled);
-    for (int sig : aEndingSignals) sigaddset(&g_handled, sig);
-    sigaddset(&g_handled, SIGTSTP);
-    sigaddset(&g_handled, SIGCONT);
+    sigemptyset(&setHandled);
+    for (int sig : aEndingSignals) sigaddset(&setHandled, sig);
+    sigaddset(&setHandled, SIGTSTP);
+    sigaddset(&setHandled, SIGCONT);
     for (int sig : aEndingSignals) {
         struct sigaction old {};
         sigaction(sig, nullptr, &old);
@@ -187,23 +187,23 @@ void SignalsInit() {
     }
     struct sigaction old {};
     sigaction(SIGTSTP, nullptr, &old);
-    g_bStopIgnored = old.sa_handler == SIG_IGN;
+    bStopIgnored = old.sa_handler == SIG_IGN;
 }
 
 SignalGuard::SignalGuard() {
-    g_iGuard = g_iGuard + 1;
+    iGuard = iGuard + 1;
     Fence();
 }
 
 SignalGuard::~SignalGuard() {
     Fence();
-    g_iGuard = g_iGuard - 1;
+    iGuard = iGuard - 1;
     Fence();
-    if (g_iGuard == 0 && g_iDeferred != 0) HandleDeferred();
+    if (iGuard == 0 && iDeferred != 0) HandleDeferred();
 }
 
 void SignalsHold(sigset_t* saved) {
-    pthread_sigmask(SIG_BLOCK, &g_handled, saved);
+    pthread_sigmask(SIG_BLOCK, &setHandled, saved);
     Fence();
 }
 
@@ -213,14 +213,14 @@ void SignalsRelease(const sigset_t* saved) {
 }
 
 void SignalsRawInput(bool on) {
-    if (on == g_bRawInput) return;
-    g_bRawInput = on;
+    if (on == bRawInput) return;
+    bRawInput = on;
     if (on) {
-        if (!g_bStopIgnored) SetAction(SIGTSTP, OnStop, &g_oldStop);
-        SetAction(SIGCONT, OnContinue, &g_oldContinue);
+        if (!bStopIgnored) SetAction(SIGTSTP, OnStop, &saOldStop);
+        SetAction(SIGCONT, OnContinue, &saOldContinue);
     } else {
-        if (!g_bStopIgnored) sigaction(SIGTSTP, &g_oldStop, nullptr);
-        sigaction(SIGCONT, &g_oldContinue, nullptr);
+        if (!bStopIgnored) sigaction(SIGTSTP, &saOldStop, nullptr);
+        sigaction(SIGCONT, &saOldContinue, nullptr);
     }
 }
 
@@ -229,20 +229,20 @@ void SignalsCommandStarting() {
     sigemptyset(&both);
     sigaddset(&both, SIGTERM);
     sigaddset(&both, SIGHUP);
-    g_iPassedOn = 0;
-    pthread_sigmask(SIG_BLOCK, &both, &g_commandMask);
+    iPassedOn = 0;
+    pthread_sigmask(SIG_BLOCK, &both, &setCommandMask);
 }
 
 void SignalsCommandStarted(pid_t pid) {
-    g_pidCommand = pid;
+    pidCommand = pid;
     Fence();
-    pthread_sigmask(SIG_SETMASK, &g_commandMask, nullptr);
+    pthread_sigmask(SIG_SETMASK, &setCommandMask, nullptr);
 }
 
 void SignalsCommandEnded() {
-    g_pidCommand = 0;
+    pidCommand = 0;
     Fence();
-    int sig = g_iPassedOn;
+    int sig = iPassedOn;
     if (sig != 0) EndBySignal(sig);
 }
 

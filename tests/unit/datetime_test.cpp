@@ -15,8 +15,8 @@
 
 namespace {
 
-time_t g_tFixed = 0;
-time_t FixedClock() { return g_tFixed; }
+time_t tFixed = 0;
+time_t FixedClock() { return tFixed; }
 
 // 2023-11-14 22:13:20 UTC, a Tuesday.
 constexpr time_t kNov14 = 1700000000;
@@ -38,7 +38,7 @@ protected:
         cStyle = kavro::Kavro->cDateStyle;
         iMode = kavro::Kavro->iYearMode;
         SetClock(FixedClock);
-        g_tFixed = kNov14;
+        tFixed = kNov14;
     }
     void TearDown() override {
         SetClock(nullptr);
@@ -344,33 +344,33 @@ TEST_F(DateTime, TodOfAnOrdinaryDate) {
     //   123 * 31536000 + 30 * 86400              = 3881520000
     // January to October of a common year: 304 days = 26265600
     // 13 days, 22 h, 13 min, 20 s              = 1123200 + 79200 + 780 + 20
-    g_tFixed = kNov14;
+    tFixed = kNov14;
     EXPECT_DOUBLE_EQ(Tod(), 3908988800.0);
 }
 
 TEST_F(DateTime, TodInALeapYearAfterFebruaryIsOneDayShort) {
     // 1900 ... 2023: 124 * 31536000 + 30 * 86400 = 3913056000; 2023 is a common year, so
     // January and February count 59 days (5097600) although 2024 has 29 February
-    g_tFixed = kMar1Leap;
+    tFixed = kMar1Leap;
     EXPECT_DOUBLE_EQ(Tod(), 3918153600.0);
 }
 
 TEST_F(DateTime, TodInTheYearAfterALeapYearIsOneDayLong) {
     // 1900 ... 2024: 125 * 31536000 + 31 * 86400 = 3944678400; 2024 is a leap year, so
     // January and February count 60 days (5184000)
-    g_tFixed = kMar1AfterLeap;
+    tFixed = kMar1AfterLeap;
     EXPECT_DOUBLE_EQ(Tod(), 3949862400.0);
 }
 
 TEST_F(DateTime, TodIn1900UsesTheLeapRow) {
     // no year added; January and February taken from the leap row: 60 days
-    g_tFixed = kMar1In1900;
+    tFixed = kMar1In1900;
     EXPECT_DOUBLE_EQ(Tod(), 5184000.0);
 }
 
 TEST_F(DateTime, TodBeforeMarchIsExact) {
     // 2024-01-31 12:00:00: 3913056000 + 30 * 86400 + 12 * 3600
-    g_tFixed = 1704067200 + 30 * 86400 + 12 * 3600;
+    tFixed = 1704067200 + 30 * 86400 + 12 * 3600;
     EXPECT_DOUBLE_EQ(Tod(), 3915691200.0);
 }
 

@@ -15,7 +15,7 @@ protected:
 };
 
 TEST_F(KeyboardStack, EmptyAtFirst) {
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
     EXPECT_FALSE(kavro::t_StackReady(true));
     EXPECT_FALSE(kavro::t_StackReady(false));
 }
@@ -24,7 +24,7 @@ TEST_F(KeyboardStack, WriteAppends) {
     kavro::t_StackWrite("one");
     kavro::t_StackWrite("\n");
     kavro::t_StackWrite(CBString("two\n"));
-    EXPECT_EQ(kavro::t_StackText(), "one\ntwo\n");
+    EXPECT_EQ(kavro::StackContents(), "one\ntwo\n");
     EXPECT_TRUE(kavro::t_StackReady(true));
 }
 
@@ -33,12 +33,12 @@ TEST_F(KeyboardStack, ReadTakesLinesInOrder) {
     bool complete = false;
     EXPECT_EQ(kavro::t_StackRead(0, &complete, true), "abc");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "def\n");
+    EXPECT_EQ(kavro::StackContents(), "def\n");
     EXPECT_TRUE(kavro::t_StackReady(true));
     complete = false;
     EXPECT_EQ(kavro::t_StackRead(0, &complete, true), "def");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
     EXPECT_FALSE(kavro::t_StackReady(true));
 }
 
@@ -47,9 +47,9 @@ TEST_F(KeyboardStack, ReadWithoutRemoveLeavesTheLine) {
     bool complete = false;
     EXPECT_EQ(kavro::t_StackRead(0, &complete, false), "keep");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "keep\nnext\n");
+    EXPECT_EQ(kavro::StackContents(), "keep\nnext\n");
     EXPECT_EQ(kavro::t_StackRead(0, &complete, true), "keep");
-    EXPECT_EQ(kavro::t_StackText(), "next\n");
+    EXPECT_EQ(kavro::StackContents(), "next\n");
 }
 
 TEST_F(KeyboardStack, EmptyLine) {
@@ -57,7 +57,7 @@ TEST_F(KeyboardStack, EmptyLine) {
     bool complete = false;
     EXPECT_EQ(kavro::t_StackRead(0, &complete, true), "");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "x\n");
+    EXPECT_EQ(kavro::StackContents(), "x\n");
 }
 
 TEST_F(KeyboardStack, TextWithoutLineFeedIsAnIncompleteLine) {
@@ -65,7 +65,7 @@ TEST_F(KeyboardStack, TextWithoutLineFeedIsAnIncompleteLine) {
     bool complete = true;
     EXPECT_EQ(kavro::t_StackRead(0, &complete, true), "partial");
     EXPECT_FALSE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
 }
 
 TEST_F(KeyboardStack, AutoCountTakesThatManyCharacters) {
@@ -73,12 +73,12 @@ TEST_F(KeyboardStack, AutoCountTakesThatManyCharacters) {
     bool complete = true;
     EXPECT_EQ(kavro::t_StackRead(2, &complete, true), "ab");
     EXPECT_FALSE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "cdef\nz\n");
+    EXPECT_EQ(kavro::StackContents(), "cdef\nz\n");
     EXPECT_EQ(kavro::t_StackRead(3, &complete, true), "cde");
     EXPECT_FALSE(complete);
     EXPECT_EQ(kavro::t_StackRead(3, &complete, true), "f");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "z\n");
+    EXPECT_EQ(kavro::StackContents(), "z\n");
 }
 
 TEST_F(KeyboardStack, AutoCountOfTheLineLengthTakesTheWholeLine) {
@@ -86,7 +86,7 @@ TEST_F(KeyboardStack, AutoCountOfTheLineLengthTakesTheWholeLine) {
     bool complete = false;
     EXPECT_EQ(kavro::t_StackRead(3, &complete, true), "abc");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "d\n");
+    EXPECT_EQ(kavro::StackContents(), "d\n");
 }
 
 TEST_F(KeyboardStack, AutoCountLongerThanTheLine) {
@@ -94,30 +94,30 @@ TEST_F(KeyboardStack, AutoCountLongerThanTheLine) {
     bool complete = false;
     EXPECT_EQ(kavro::t_StackRead(10, &complete, true), "ab");
     EXPECT_TRUE(complete);
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
 }
 
 TEST_F(KeyboardStack, ReadAcceptsNoFlag) {
     kavro::t_StackWrite("x\n");
     EXPECT_EQ(kavro::t_StackRead(0, nullptr, true), "x");
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
 }
 
 TEST_F(KeyboardStack, ClearEmptiesTheStack) {
     kavro::t_StackWrite("a\nb\n");
     kavro::t_StackClear();
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
     EXPECT_FALSE(kavro::t_StackReady(true));
 }
 
 TEST_F(KeyboardStack, LoadBringsBackWhatWasSaved) {
     kavro::t_StackWrite("saved\n");
     kavro::t_StackSave();
-    EXPECT_EQ(kavro::t_StackText(), "saved\n");
+    EXPECT_EQ(kavro::StackContents(), "saved\n");
     EXPECT_EQ(kavro::t_StackRead(0, nullptr, true), "saved");
     EXPECT_FALSE(kavro::t_StackReady(true));
     kavro::t_StackLoad();
-    EXPECT_EQ(kavro::t_StackText(), "saved\n");
+    EXPECT_EQ(kavro::StackContents(), "saved\n");
 }
 
 TEST_F(KeyboardStack, LoadKeepsWhatIsStacked) {
@@ -126,18 +126,18 @@ TEST_F(KeyboardStack, LoadKeepsWhatIsStacked) {
     kavro::t_StackRead(0, nullptr, true);
     kavro::t_StackWrite("new\n");
     kavro::t_StackLoad();
-    EXPECT_EQ(kavro::t_StackText(), "new\n");
+    EXPECT_EQ(kavro::StackContents(), "new\n");
 }
 
 TEST_F(KeyboardStack, SaveThenLoadChangesNothing) {
     kavro::t_StackWrite("line\n");
     kavro::t_StackSave();
     kavro::t_StackLoad();
-    EXPECT_EQ(kavro::t_StackText(), "line\n");
+    EXPECT_EQ(kavro::StackContents(), "line\n");
     kavro::t_StackClear();
     kavro::t_StackSave();
     kavro::t_StackLoad();
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
 }
 
 TEST_F(KeyboardStack, ClearForgetsWhatWasSaved) {
@@ -145,7 +145,7 @@ TEST_F(KeyboardStack, ClearForgetsWhatWasSaved) {
     kavro::t_StackSave();
     kavro::t_StackClear();
     kavro::t_StackLoad();
-    EXPECT_EQ(kavro::t_StackText(), "");
+    EXPECT_EQ(kavro::StackContents(), "");
 }
 
 TEST_F(KeyboardStack, DumpShowsTheContents) {
@@ -153,7 +153,7 @@ TEST_F(KeyboardStack, DumpShowsTheContents) {
     kavro::t_StackWrite("1 2\n");
     kavro::t_StackDump();
     EXPECT_EQ(ctx.Output(), "<stack \"1 2\n\">\r");
-    EXPECT_EQ(kavro::t_StackText(), "1 2\n");
+    EXPECT_EQ(kavro::StackContents(), "1 2\n");
 }
 
 TEST_F(KeyboardStack, DumpOfEmptyStack) {
