@@ -67,7 +67,7 @@ const Comparator* GetComparator(const char* text) {
     // Comparators have no letters, so the exact comparison is the case-free one.
     if (!strchr("=<>!", text[0]) || text[0] == '\0') return nullptr;
     for (const Comparator* c = aComparators; c->pszName; ++c)
-        if (strcmp(c->pszName, text) == 0) return c;
+        if (c->pszName[0] == text[0] && strcmp(c->pszName, text) == 0) return c;
     return nullptr;
 }
 

@@ -183,8 +183,19 @@ TokenType GetTokenType(TokenScan* p) {
     if (t[0] == '"') return QuotedType(p);
     if (IsDigit(t[0]) || (t[0] == '.' && t.size() > 1)) return NumberType(t);
     if (t.size() == 1 && t[0] == '.') return TokenBadNumber;
-    if (t.size() == 1 && strchr("&|^%", t[0])) return TokenLogical;
-    if (t.size() == 1 && strchr("+-*/", t[0])) return TokenOperator;
+    if (t.size() == 1) {
+        switch (t[0]) {
+            case '&':
+            case '|':
+            case '^':
+            case '%': return TokenLogical;
+            case '+':
+            case '-':
+            case '*':
+            case '/': return TokenOperator;
+            default: break;
+        }
+    }
     if (GetComparator(t.c_str())) return TokenComparator;
     // Every statement and function word begins with "&", which no other byte folds to.
     if (t[0] == '&' && (p->iWord = kFunctionWords.Find(t.c_str())) >= 0) return TokenFunction;
