@@ -37,7 +37,7 @@ struct FoldedHash {
     }
 };
 struct FoldedEqual {
-    bool operator()(const char* a, const char* b) const { return strcasecmp(a, b) == 0; }
+    bool operator()(const char* a, const char* b) const { return chars::EqualFolded(a, b); }
 };
 bool bIndexed = false;
 std::unordered_map<const char*, Variable*, FoldedHash, FoldedEqual> aVarIndex;

@@ -3,6 +3,7 @@
 // byte. The tables are read at their first use, after start-up has chosen the locale.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace chars {
@@ -22,5 +23,22 @@ inline bool IsSpace(char c) { return (Get().aClass[static_cast<unsigned char>(c)
 inline bool IsAlpha(char c) { return (Get().aClass[static_cast<unsigned char>(c)] & kAlpha) != 0; }
 inline bool IsAlnum(char c) { return (Get().aClass[static_cast<unsigned char>(c)] & kAlnum) != 0; }
 inline unsigned char Lower(char c) { return Get().aLower[static_cast<unsigned char>(c)]; }
+
+// strcasecmp(a, b) == 0 and strncasecmp(a, b, n) == 0, byte by byte through the same table.
+inline bool EqualFolded(const char* a, const char* b) {
+    const unsigned char* lower = Get().aLower;
+    for (;; ++a, ++b) {
+        if (lower[static_cast<unsigned char>(*a)] != lower[static_cast<unsigned char>(*b)]) return false;
+        if (*a == '\0') return true;
+    }
+}
+inline bool EqualFolded(const char* a, const char* b, size_t n) {
+    const unsigned char* lower = Get().aLower;
+    for (size_t i = 0; i < n; ++i) {
+        if (lower[static_cast<unsigned char>(a[i])] != lower[static_cast<unsigned char>(b[i])]) return false;
+        if (a[i] == '\0') return true;
+    }
+    return true;
+}
 
 }  // namespace chars

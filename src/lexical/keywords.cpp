@@ -32,7 +32,7 @@ int KeywordTable::Find(const char* text) const {
     if (len > uiLongest) return -1;
     unsigned char last = len ? chars::Lower(text[len - 1]) : 0;
     for (int row : aRows[Slot(len, last)])
-        if (strcasecmp(apszNames[static_cast<size_t>(row)], text) == 0) return row;
+        if (chars::EqualFolded(apszNames[static_cast<size_t>(row)], text)) return row;
     return -1;
 }
 

@@ -224,7 +224,7 @@ size_t FirstWordLength(const char* line) {
 }
 
 bool FirstWordIs(const char* line, size_t length, const char* keyword) {
-    return strncasecmp(line, keyword, length) == 0 && keyword[length] == '\0';
+    return chars::EqualFolded(line, keyword, length) && keyword[length] == '\0';
 }
 
 bool FirstWordIs(const char* line, const char* keyword) { return FirstWordIs(line, FirstWordLength(line), keyword); }

@@ -3,13 +3,16 @@
 #include "keywords.h"
 
 #include <gtest/gtest.h>
+#include <strings.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "char_classes.h"
 #include "tokenizer.h"
 
 namespace {
@@ -114,5 +117,28 @@ TEST(Literals, AsTheCLibraryConvertsThem) {
         double mine = FloatValue(s.c_str());
         double theirs = strtod(s.c_str(), nullptr);
         EXPECT_EQ(memcmp(&mine, &theirs, sizeof mine), 0) << s;
+    }
+}
+
+// Case-free equality through the character table answers as strcasecmp and strncasecmp do.
+TEST(Chars, EqualFoldedAsTheCLibrary) {
+    std::mt19937 random(7);
+    const char letters[] = "aAbBzZ&_:09 \t\xc3\xa9\xff";
+    for (int i = 0; i < 20000; ++i) {
+        std::string a, b;
+        size_t la = random() % 6, lb = random() % 6;
+        for (size_t k = 0; k < la; ++k) a += letters[random() % (sizeof letters - 1)];
+        b = a;
+        if (random() % 2) {
+            b.clear();
+            for (size_t k = 0; k < lb; ++k) b += letters[random() % (sizeof letters - 1)];
+        } else {
+            for (char& c : b)
+                if (random() % 2) c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+        }
+        EXPECT_EQ(chars::EqualFolded(a.c_str(), b.c_str()), strcasecmp(a.c_str(), b.c_str()) == 0) << a << "|" << b;
+        size_t n = random() % 7;
+        EXPECT_EQ(chars::EqualFolded(a.c_str(), b.c_str(), n), strncasecmp(a.c_str(), b.c_str(), n) == 0)
+            << a << "|" << b << "|" << n;
     }
 }
