@@ -44,6 +44,16 @@ char g_acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
 size_t g_uiKey = 0;
 int g_iUnread = -1;
 
+// Whether standard input is the terminal. The fuzzing build has no keyboard: its input is at
+// its end from the start.
+bool InputIsTerminal() {
+#ifdef KVEXEC_FUZZ
+    return false;
+#else
+    return isatty(0) != 0;
+#endif
+}
+
 void LeaveRaw() {
     SignalGuard guard;
     if (g_bRaw) tcsetattr(0, TCSANOW, &g_saved);
@@ -53,7 +63,7 @@ void LeaveRaw() {
 }
 
 void EnterRaw() {
-    if (g_bRawInput || !isatty(0)) return;
+    if (g_bRawInput || !InputIsTerminal()) return;
     SignalGuard guard;
     if (tcgetattr(0, &g_saved) != 0) return;
     if (!g_bAtExit) {
@@ -74,6 +84,10 @@ void EnterRaw() {
 }
 
 int ReadByte(int timeoutMs) {
+#ifdef KVEXEC_FUZZ
+    (void)timeoutMs;
+    return -1;
+#endif
     if (g_iUnread >= 0) {
         int c = g_iUnread;
         g_iUnread = -1;
@@ -172,7 +186,7 @@ void MoveTo(int row, int col) {
 
 }  // namespace
 
-bool TermIsInteractive() { return isatty(0) != 0; }
+bool TermIsInteractive() { return InputIsTerminal(); }
 
 TermWin TermGetWin() {
     TermWin w;
@@ -229,7 +243,7 @@ void TermMoveInput(int row, int col) { MoveTo(row, col); }
 void TermUpdate() { TermFlush(); }
 
 void pagewait() {
-    if (!isatty(0)) return;
+    if (!InputIsTerminal()) return;
     bool show = isatty(1) != 0;
     if (show) TermWrite("Press any key to continue");
     TermFlush();
@@ -244,6 +258,15 @@ void pagewait() {
         TermFlush();
     }
 }
+
+#ifdef KVEXEC_FUZZ
+void KeyboardFuzzReset() {
+    g_iCursor = 0;
+    g_iInRow = g_iInCol = g_iWidth = 0;
+    g_uiKey = 0;
+    g_iUnread = -1;
+}
+#endif
 
 bool KeyboardSuspendRaw() {
     if (!g_bRaw) return false;

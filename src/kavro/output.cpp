@@ -79,6 +79,9 @@ long MonotonicNanoseconds() {
     message += "\n";
     ssize_t rc = write(2, message.data(), message.size());
     (void)rc;
+#ifdef KVEXEC_FUZZ
+    FuzzEndRun(1);
+#endif
     if (g_bExiting) _exit(1);
     exit(1);
 }
@@ -456,6 +459,22 @@ void OutputWriteWaiting() {
         g_uiWritten = g_uiWritten + static_cast<size_t>(w);
     }
 }
+
+#ifdef KVEXEC_FUZZ
+void OutputFuzzReset() {
+    SignalGuard guard;
+    g_sOut.clear();
+    g_uiWritten = 0;
+    g_bFailed = false;
+    g_bExiting = false;
+    g_bClosed = 0;
+    g_uiAttrs = 0;
+    g_iPending = g_iNeed = 0;
+    g_lPendingSince = 0;
+    g_iColumn = 0;
+    g_iTrackNeed = 0;
+}
+#endif
 
 void TermCapture(std::string* sink) {
     TermFlush();

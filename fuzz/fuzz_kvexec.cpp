@@ -1,0 +1,261 @@
+// The fuzzing target: the whole interpreter, in process, on one script per input.
+//
+// Built with -DKVEXEC_FUZZ=ON (clang, libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer),
+// where the runtime records commands instead of running them, sleeps, waits and keyboard input
+// return at once, and every way a run ends throws kavro::RunEnded back to here. Each input is
+// written to a memory file and run as "kvexec /proc/self/fd/<n> one 2 '' -3.5 'two words'" on a
+// thread with the program's large stack. Before and after each run everything the interpreter
+// keeps is put back: variables, block stack, keyboard stack, output, keyboard, recorded commands,
+// environment and signal handlers; the reader, the Parser and the operand stack are made anew.
+//
+// A run is cut off, not reported, when it has read its budget of lines (commands and &SHIFT
+// rounds count too) or used its time: scripts may loop for ever. Memory is budgeted the same way:
+// an allocation past the budget fails as it would on a full machine, and the run ends with the
+// out-of-memory report.
+//
+// The input's length picks the variant it runs in, so that every variant gets fuzzed: the plain
+// engine or the one that keeps lines and indexes, and the raw, ansi or text output mode.
+#include <fcntl.h>
+#include <malloc.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <term.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "blocks.h"
+#include "diagnostics.h"
+#include "expression.h"
+#include "kavro.h"
+#include "script_reader.h"
+#include "signals.h"
+#include "startup.h"
+#include "variables.h"
+
+extern char** environ;
+
+namespace {
+
+// ---- Memory budget ------------------------------------------------------------------------
+// Allocations of the interpreter's thread fail (std::bad_alloc, as on a full machine) past these.
+constexpr size_t kMaxAllocation = size_t{4} << 20;
+constexpr long kMaxLiveBytes = 96L << 20;
+
+thread_local bool t_bBudgeted = false;
+std::atomic<long> g_lLive{0};  // bytes from operator new not yet deleted, every thread
+long g_lLiveAtStart = 0;
+
+void* Allocate(size_t n, bool nothrow) {
+    if (t_bBudgeted &&
+        (n > kMaxAllocation ||
+         g_lLive.load(std::memory_order_relaxed) - g_lLiveAtStart + static_cast<long>(n) > kMaxLiveBytes)) {
+        if (nothrow) return nullptr;
+        throw std::bad_alloc();
+    }
+    void* p = malloc(n ? n : 1);
+    if (!p) {
+        if (nothrow) return nullptr;
+        throw std::bad_alloc();
+    }
+    g_lLive.fetch_add(static_cast<long>(malloc_usable_size(p)), std::memory_order_relaxed);
+    return p;
+}
+
+void Release(void* p) {
+    if (!p) return;
+    g_lLive.fetch_sub(static_cast<long>(malloc_usable_size(p)), std::memory_order_relaxed);
+    free(p);
+}
+
+// ---- Budget of a run ----------------------------------------------------------------------
+constexpr unsigned long kSteps = 5000;
+constexpr long kRunNanoseconds = 1000L * 1000 * 1000;
+constexpr size_t kStackBytes = size_t{1} << 30;  // as the program's interpreter thread
+
+// ---- What stays from one run to the next ----------------------------------------------------
+int g_iScript = -1;  // the memory file holding the input
+std::string g_sScriptPath;
+std::vector<std::pair<std::string, std::string>> g_aEnvironment;
+struct sigaction g_aActions[NSIG];
+
+time_t FixedClock() { return 1700000000; }  // Tuesday 14 November 2023, 22:13:20 UTC
+
+void SaveEnvironment() {
+    for (char** e = environ; *e; ++e) {
+        const char* eq = strchr(*e, '=');
+        if (eq) g_aEnvironment.emplace_back(std::string(*e, static_cast<size_t>(eq - *e)), eq + 1);
+    }
+}
+
+// Undoes what a script's "set" commands did, changing only what differs: the C library keeps
+// every text it was given, so a repeated change costs nothing.
+void RestoreEnvironment() {
+    std::vector<std::string> extra;
+    for (char** e = environ; *e; ++e) {
+        const char* eq = strchr(*e, '=');
+        std::string name(*e, eq ? static_cast<size_t>(eq - *e) : strlen(*e));
+        bool known = false;
+        for (const auto& saved : g_aEnvironment) known = known || saved.first == name;
+        if (!known) extra.push_back(name);
+    }
+    for (const std::string& name : extra) unsetenv(name.c_str());
+    for (const auto& [name, value] : g_aEnvironment) {
+        const char* now = getenv(name.c_str());
+        if (!now || value != now) setenv(name.c_str(), value.c_str(), 1);
+    }
+}
+
+void SaveSignals() {
+    for (int sig = 1; sig < NSIG; ++sig) sigaction(sig, nullptr, &g_aActions[sig]);
+}
+
+void RestoreSignals() {
+    for (int sig = 1; sig < NSIG; ++sig)
+        if (sig != SIGKILL && sig != SIGSTOP) sigaction(sig, &g_aActions[sig], nullptr);
+}
+
+// Everything the interpreter keeps between runs, as at start.
+void ResetState() {
+    ResetBlocks();
+    InitVariables(true);
+    iArgs = 0;
+    kavro::FuzzReset(kSteps, kRunNanoseconds);
+    SetReportSource("", nullptr);
+    // The ansi mode loads the terminal's description at every start: one at a time.
+    if (cur_term) del_curterm(cur_term);
+}
+
+struct Run {
+    std::vector<std::string> aArgs;
+    int iStatus = 0;
+    bool bEnded = false;  // by an exit of the run, not at the end of the script
+    bool bCutOff = false;
+    bool bOutOfMemory = false;  // an allocation failure got past the run's own handling
+};
+
+void* RunThread(void* arg) {
+    Run* run = static_cast<Run*>(arg);
+    std::vector<char*> argv;
+    for (std::string& a : run->aArgs) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    {
+        ScriptReader script;
+        t_bBudgeted = true;
+        g_lLiveAtStart = g_lLive.load(std::memory_order_relaxed);
+        try {
+            run->iStatus = RunScript(script, static_cast<int>(argv.size() - 1), argv.data());
+        } catch (const kavro::RunEnded& end) {
+            run->iStatus = end.iStatus;
+            run->bEnded = true;
+            run->bCutOff = end.bCutOff;
+        } catch (const std::bad_alloc&) {
+            run->bOutOfMemory = true;
+        }
+        t_bBudgeted = false;
+    }
+    return nullptr;
+}
+
+void RunOnBigStack(Run* run) {
+    pthread_attr_t attr;
+    pthread_t thread;
+    if (pthread_attr_init(&attr) != 0 || pthread_attr_setstacksize(&attr, kStackBytes) != 0 ||
+        pthread_create(&thread, &attr, RunThread, run) != 0) {
+        fprintf(stderr, "kvexec_fuzz: cannot start the interpreter thread\n");
+        abort();
+    }
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attr);
+}
+
+bool WriteScript(const uint8_t* data, size_t size) {
+    if (ftruncate(g_iScript, 0) != 0) return false;
+    size_t done = 0;
+    while (done < size) {
+        ssize_t n = pwrite(g_iScript, data + done, size - done, static_cast<off_t>(done));
+        if (n <= 0) return false;
+        done += static_cast<size_t>(n);
+    }
+    return true;
+}
+
+}  // namespace
+
+// The memory budget wraps the allocation functions; the sanitizer still checks every block.
+void* operator new(size_t n) { return Allocate(n, false); }
+void* operator new[](size_t n) { return Allocate(n, false); }
+void* operator new(size_t n, const std::nothrow_t&) noexcept { return Allocate(n, true); }
+void* operator new[](size_t n, const std::nothrow_t&) noexcept { return Allocate(n, true); }
+void operator delete(void* p) noexcept { Release(p); }
+void operator delete[](void* p) noexcept { Release(p); }
+void operator delete(void* p, size_t) noexcept { Release(p); }
+void operator delete[](void* p, size_t) noexcept { Release(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { Release(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { Release(p); }
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    g_iScript = memfd_create("fuzz.kvx", 0);
+    if (g_iScript < 0) {
+        perror("kvexec_fuzz: memfd_create");
+        abort();
+    }
+    g_sScriptPath = "/proc/self/fd/" + std::to_string(g_iScript);
+
+    // What the script sees of the world, the same for every run.
+    setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("TZ", "UTC", 1);
+    setenv("TERM", "xterm", 1);
+    for (const char* name : {"KVEXEC_TERM", "KVEXEC_PLAIN", "KVEXEC_ACCOUNT", "KVEXEC_DATE_STYLE", "KVEXEC_YEAR_MODE",
+                             "KVEXEC_SERIAL1", "KVEXEC_SERIAL2", "KVEXEC_CASE", "kvwm"})
+        unsetenv(name);
+    SaveEnvironment();
+    SetClock(FixedClock);
+
+    // What the script prints goes nowhere, unless asked for (to see what a saved input does).
+    if (!getenv("KVEXEC_FUZZ_OUTPUT")) {
+        int null = open("/dev/null", O_WRONLY);
+        if (null >= 0) {
+            dup2(null, 1);
+            close(null);
+        }
+    }
+
+    // The runtime's signal handlers are installed once here and taken away again at once: the
+    // fuzzer's own stay in place, and no run installs any.
+    SaveSignals();
+    kavro::SignalsInit();
+    RestoreSignals();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (!WriteScript(data, size)) {
+        perror("kvexec_fuzz: writing the script");
+        abort();
+    }
+    RestoreEnvironment();
+    static const char* const aModes[] = {"raw", "ansi", "text"};
+    setenv("KVEXEC_TERM", aModes[(size / 2) % 3], 1);
+    if (size % 2) setenv("KVEXEC_PLAIN", "1", 1);
+    ResetState();
+    SaveSignals();
+
+    Run run;
+    run.aArgs = {"kvexec", g_sScriptPath, "one", "2", "", "-3.5", "two words"};
+    RunOnBigStack(&run);
+
+    RestoreSignals();
+    ResetState();
+    RestoreEnvironment();
+    return 0;
+}
