@@ -13,8 +13,10 @@
 // an allocation past the budget fails as it would on a full machine, and the run ends with the
 // out-of-memory report.
 //
-// The input's length picks the variant it runs in, so that every variant gets fuzzed: the plain
-// engine or the one that keeps lines and indexes, and the raw, ansi or text output mode.
+// Each input runs twice, on the plain engine and on the one that keeps lines and indexes, which
+// must agree (status, output, commands) whenever neither run was cut off or ran out of memory.
+// The input's length picks the output mode (raw, ansi or text), so that each gets fuzzed. Output
+// is captured in memory; KVEXEC_FUZZ_OUTPUT=1 shows the script's output on standard output too.
 #include <fcntl.h>
 #include <malloc.h>
 #include <pthread.h>
@@ -52,6 +54,7 @@ constexpr size_t kMaxAllocation = size_t{4} << 20;
 constexpr long kMaxLiveBytes = 96L << 20;
 
 thread_local bool t_bBudgeted = false;
+bool g_bBudgetUsedUp = false;  // an allocation of the run failed for the budget
 std::atomic<long> g_lLive{0};  // bytes from operator new not yet deleted, every thread
 long g_lLiveAtStart = 0;
 
@@ -59,6 +62,7 @@ void* Allocate(size_t n, bool nothrow) {
     if (t_bBudgeted &&
         (n > kMaxAllocation ||
          g_lLive.load(std::memory_order_relaxed) - g_lLiveAtStart + static_cast<long>(n) > kMaxLiveBytes)) {
+        g_bBudgetUsedUp = true;
         if (nothrow) return nullptr;
         throw std::bad_alloc();
     }
@@ -87,6 +91,7 @@ int g_iScript = -1;  // the memory file holding the input
 std::string g_sScriptPath;
 std::vector<std::pair<std::string, std::string>> g_aEnvironment;
 struct sigaction g_aActions[NSIG];
+bool g_bShowOutput = false;
 
 time_t FixedClock() { return 1700000000; }  // Tuesday 14 November 2023, 22:13:20 UTC
 
@@ -137,10 +142,18 @@ void ResetState() {
 
 struct Run {
     std::vector<std::string> aArgs;
+    bool bPlain = false;
     int iStatus = 0;
     bool bEnded = false;  // by an exit of the run, not at the end of the script
     bool bCutOff = false;
     bool bOutOfMemory = false;  // an allocation failure got past the run's own handling
+    bool bBudgetUsedUp = false;
+    std::string sOutput;
+    std::vector<std::string> aCommands;
+    unsigned long ulCommands = 0;
+
+    // Whether the run went as far as the script took it: neither cut off nor out of memory.
+    bool Whole() const { return !bCutOff && !bOutOfMemory && !bBudgetUsedUp; }
 };
 
 void* RunThread(void* arg) {
@@ -153,7 +166,7 @@ void* RunThread(void* arg) {
         t_bBudgeted = true;
         g_lLiveAtStart = g_lLive.load(std::memory_order_relaxed);
         try {
-            run->iStatus = RunScript(script, static_cast<int>(argv.size() - 1), argv.data());
+            run->iStatus = RunScript(script, static_cast<int>(argv.size() - 1), argv.data(), run->bPlain);
         } catch (const kavro::RunEnded& end) {
             run->iStatus = end.iStatus;
             run->bEnded = true;
@@ -176,6 +189,48 @@ void RunOnBigStack(Run* run) {
     }
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attr);
+}
+
+// One run of the script in the memory file, on the plain engine or the one that keeps what it
+// read, with everything put back before and after.
+void RunVariant(Run* run, const char* mode, bool plain) {
+    RestoreEnvironment();
+    setenv("KVEXEC_TERM", mode, 1);
+    ResetState();
+    SaveSignals();
+    run->aArgs = {"kvexec", g_sScriptPath, "one", "2", "", "-3.5", "two words"};
+    run->bPlain = plain;
+    kavro::TermCapture(&run->sOutput);
+    g_bBudgetUsedUp = false;
+    RunOnBigStack(run);
+    run->bBudgetUsedUp = g_bBudgetUsedUp;
+    kavro::TermFlush();  // what a run that was cut off left waiting
+    kavro::TermCapture(nullptr);
+    run->aCommands = kavro::FuzzCommands();
+    run->ulCommands = kavro::FuzzCommandCount();
+    RestoreSignals();
+    ResetState();
+    RestoreEnvironment();
+}
+
+std::string Printable(const std::string& text) {
+    std::string out;
+    for (unsigned char c : text.substr(0, 2000)) {
+        char b[8];
+        if (c >= 0x20 && c < 0x7f && c != '\\')
+            out += static_cast<char>(c);
+        else {
+            snprintf(b, sizeof b, "\\x%02x", c);
+            out += b;
+        }
+    }
+    return out;
+}
+
+void Describe(const char* name, const Run& run) {
+    fprintf(stderr, "%s: status %d%s, %lu commands\n  output: %s\n", name, run.iStatus, run.bEnded ? " (exit)" : "",
+            run.ulCommands, Printable(run.sOutput).c_str());
+    for (const std::string& c : run.aCommands) fprintf(stderr, "  command: %s\n", Printable(c).c_str());
 }
 
 bool WriteScript(const uint8_t* data, size_t size) {
@@ -222,7 +277,8 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     SetClock(FixedClock);
 
     // What the script prints goes nowhere, unless asked for (to see what a saved input does).
-    if (!getenv("KVEXEC_FUZZ_OUTPUT")) {
+    g_bShowOutput = getenv("KVEXEC_FUZZ_OUTPUT") != nullptr;
+    if (!g_bShowOutput) {
         int null = open("/dev/null", O_WRONLY);
         if (null >= 0) {
             dup2(null, 1);
@@ -238,24 +294,29 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     return 0;
 }
 
+// Each input runs on the plain engine and on the one that keeps lines and indexes: the two must
+// give the same status, output and commands whenever both ran as far as the script took them.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!WriteScript(data, size)) {
         perror("kvexec_fuzz: writing the script");
         abort();
     }
-    RestoreEnvironment();
     static const char* const aModes[] = {"raw", "ansi", "text"};
-    setenv("KVEXEC_TERM", aModes[(size / 2) % 3], 1);
-    if (size % 2) setenv("KVEXEC_PLAIN", "1", 1);
-    ResetState();
-    SaveSignals();
-
-    Run run;
-    run.aArgs = {"kvexec", g_sScriptPath, "one", "2", "", "-3.5", "two words"};
-    RunOnBigStack(&run);
-
-    RestoreSignals();
-    ResetState();
-    RestoreEnvironment();
+    const char* mode = aModes[size % 3];
+    Run plain, kept;
+    RunVariant(&plain, mode, true);
+    RunVariant(&kept, mode, false);
+    if (g_bShowOutput) {
+        ssize_t n = write(1, kept.sOutput.data(), kept.sOutput.size());
+        (void)n;
+    }
+    if (plain.Whole() && kept.Whole() &&
+        (plain.iStatus != kept.iStatus || plain.bEnded != kept.bEnded || plain.sOutput != kept.sOutput ||
+         plain.ulCommands != kept.ulCommands || plain.aCommands != kept.aCommands)) {
+        fprintf(stderr, "kvexec_fuzz: the plain engine and the one that keeps what it read disagree\n");
+        Describe("plain", plain);
+        Describe("kept", kept);
+        abort();
+    }
     return 0;
 }

@@ -93,20 +93,19 @@ int RunMain(int argc, char** argv) {
     }
     if (strcmp(argv[1], "--help") == 0) Help(argv[0]);
     if (strcmp(argv[1], "--version") == 0) Version(argv[0]);
+    // KVEXEC_PLAIN turns off what is kept to go faster: the reader's blocks, lines and label
+    // index, and the variable index.
+    const char* plain = getenv("KVEXEC_PLAIN");
     static ScriptReader script;
-    return RunScript(script, argc, argv);
+    return RunScript(script, argc, argv, plain && *plain);
 }
 
-int RunScript(ScriptReader& script, int argc, char** argv) {
+int RunScript(ScriptReader& script, int argc, char** argv, bool bPlain) {
     szScript = argv[1];
 
     setlocale(LC_CTYPE, "");
     tzset();
 
-    // KVEXEC_PLAIN turns off what is kept to go faster: the reader's blocks, lines and label
-    // index, and the variable index.
-    const char* plain = getenv("KVEXEC_PLAIN");
-    bool bPlain = plain && *plain;
     if (!script.Open(argv[1], !bPlain)) {
         int e = errno;
         perror(argv[1]);
