@@ -21,11 +21,12 @@
 #include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
-#include <sys/mman.h>
+#include <sys/stat.h>
 #include <term.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -87,8 +88,11 @@ constexpr long kRunNanoseconds = 1000L * 1000 * 1000;
 constexpr size_t kStackBytes = size_t{1} << 30;  // as the program's interpreter thread
 
 // ---- What stays from one run to the next ----------------------------------------------------
-int g_iScript = -1;  // the memory file holding the input
+// The script's place: a file in a memory file system, or a FIFO under the same name.
+std::string g_sDirectory;
 std::string g_sScriptPath;
+const uint8_t* g_pData = nullptr;
+size_t g_uiSize = 0;
 std::vector<std::pair<std::string, std::string>> g_aEnvironment;
 struct sigaction g_aActions[NSIG];
 bool g_bShowOutput = false;
@@ -179,7 +183,51 @@ void* RunThread(void* arg) {
     return nullptr;
 }
 
-void RunOnBigStack(Run* run) {
+[[noreturn]] void Fail(const char* what) {
+    perror(what);
+    abort();
+}
+
+// The script as a regular file.
+void WriteScript() {
+    unlink(g_sScriptPath.c_str());
+    int fd = open(g_sScriptPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (fd < 0) Fail("kvexec_fuzz: creating the script");
+    size_t done = 0;
+    while (done < g_uiSize) {
+        ssize_t n = write(fd, g_pData + done, g_uiSize - done);
+        if (n <= 0) Fail("kvexec_fuzz: writing the script");
+        done += static_cast<size_t>(n);
+    }
+    close(fd);
+}
+
+// The script through a FIFO: opened for writing once the interpreter has opened it for reading
+// (each open waits for the other), written whole and closed. SIGPIPE, should the run end before
+// it has read everything, is held back and taken.
+void FeedFifo() {
+    sigset_t pipe, saved;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, &saved);
+    int fd = open(g_sScriptPath.c_str(), O_WRONLY | O_CLOEXEC);
+    if (fd < 0) Fail("kvexec_fuzz: opening the FIFO");
+    fcntl(fd, F_SETPIPE_SZ, 1 << 20);
+    size_t done = 0;
+    while (done < g_uiSize) {
+        ssize_t n = write(fd, g_pData + done, g_uiSize - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;  // the run has ended
+        done += static_cast<size_t>(n);
+    }
+    close(fd);
+    struct timespec none {};
+    while (sigtimedwait(&pipe, nullptr, &none) == SIGPIPE) {
+    }
+    pthread_sigmask(SIG_SETMASK, &saved, nullptr);
+}
+
+void RunOnBigStack(Run* run, bool fifo) {
     pthread_attr_t attr;
     pthread_t thread;
     if (pthread_attr_init(&attr) != 0 || pthread_attr_setstacksize(&attr, kStackBytes) != 0 ||
@@ -187,22 +235,31 @@ void RunOnBigStack(Run* run) {
         fprintf(stderr, "kvexec_fuzz: cannot start the interpreter thread\n");
         abort();
     }
+    if (fifo) FeedFifo();
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attr);
 }
 
-// One run of the script in the memory file, on the plain engine or the one that keeps what it
-// read, with everything put back before and after.
-void RunVariant(Run* run, const char* mode, bool plain) {
+enum class Variant { Plain, Kept, Fifo };
+
+// One run of the script: from a file on the plain engine or on the one that keeps what it read,
+// or from a FIFO (kept in memory as it is read); with everything put back before and after.
+void RunVariant(Run* run, const char* mode, Variant variant) {
+    if (variant == Variant::Fifo) {
+        unlink(g_sScriptPath.c_str());
+        if (mkfifo(g_sScriptPath.c_str(), 0600) != 0) Fail("kvexec_fuzz: mkfifo");
+    } else {
+        WriteScript();
+    }
     RestoreEnvironment();
     setenv("KVEXEC_TERM", mode, 1);
     ResetState();
     SaveSignals();
     run->aArgs = {"kvexec", g_sScriptPath, "one", "2", "", "-3.5", "two words"};
-    run->bPlain = plain;
+    run->bPlain = variant == Variant::Plain;
     kavro::TermCapture(&run->sOutput);
     g_bBudgetUsedUp = false;
-    RunOnBigStack(run);
+    RunOnBigStack(run, variant == Variant::Fifo);
     run->bBudgetUsedUp = g_bBudgetUsedUp;
     kavro::TermFlush();  // what a run that was cut off left waiting
     kavro::TermCapture(nullptr);
@@ -233,15 +290,9 @@ void Describe(const char* name, const Run& run) {
     for (const std::string& c : run.aCommands) fprintf(stderr, "  command: %s\n", Printable(c).c_str());
 }
 
-bool WriteScript(const uint8_t* data, size_t size) {
-    if (ftruncate(g_iScript, 0) != 0) return false;
-    size_t done = 0;
-    while (done < size) {
-        ssize_t n = pwrite(g_iScript, data + done, size - done, static_cast<off_t>(done));
-        if (n <= 0) return false;
-        done += static_cast<size_t>(n);
-    }
-    return true;
+void RemoveDirectory() {
+    unlink(g_sScriptPath.c_str());
+    rmdir(g_sDirectory.c_str());
 }
 
 }  // namespace
@@ -259,12 +310,13 @@ void operator delete(void* p, const std::nothrow_t&) noexcept { Release(p); }
 void operator delete[](void* p, const std::nothrow_t&) noexcept { Release(p); }
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    g_iScript = memfd_create("fuzz.kvx", 0);
-    if (g_iScript < 0) {
-        perror("kvexec_fuzz: memfd_create");
-        abort();
-    }
-    g_sScriptPath = "/proc/self/fd/" + std::to_string(g_iScript);
+    // A folder of its own in memory, for the script: a file, or a FIFO of the same name.
+    const char* tmp = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : getenv("TMPDIR") ? getenv("TMPDIR") : "/tmp";
+    std::string pattern = std::string(tmp) + "/kvexec-fuzz.XXXXXX";
+    if (!mkdtemp(pattern.data())) Fail("kvexec_fuzz: mkdtemp");
+    g_sDirectory = pattern;
+    g_sScriptPath = g_sDirectory + "/fuzz.kvx";
+    atexit(RemoveDirectory);
 
     // What the script sees of the world, the same for every run.
     setenv("LC_ALL", "C.UTF-8", 1);
@@ -294,18 +346,17 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     return 0;
 }
 
-// Each input runs on the plain engine and on the one that keeps lines and indexes: the two must
-// give the same status, output and commands whenever both ran as far as the script took them.
+// Each input runs on the plain engine and on one that keeps what it read, from a file or, for
+// every other length, from a FIFO: the two must give the same status, output and commands
+// whenever both ran as far as the script took them.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (!WriteScript(data, size)) {
-        perror("kvexec_fuzz: writing the script");
-        abort();
-    }
+    g_pData = data;
+    g_uiSize = size;
     static const char* const aModes[] = {"raw", "ansi", "text"};
     const char* mode = aModes[size % 3];
     Run plain, kept;
-    RunVariant(&plain, mode, true);
-    RunVariant(&kept, mode, false);
+    RunVariant(&plain, mode, Variant::Plain);
+    RunVariant(&kept, mode, (size / 3) % 2 ? Variant::Fifo : Variant::Kept);
     if (g_bShowOutput) {
         ssize_t n = write(1, kept.sOutput.data(), kept.sOutput.size());
         (void)n;
@@ -313,7 +364,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (plain.Whole() && kept.Whole() &&
         (plain.iStatus != kept.iStatus || plain.bEnded != kept.bEnded || plain.sOutput != kept.sOutput ||
          plain.ulCommands != kept.ulCommands || plain.aCommands != kept.aCommands)) {
-        fprintf(stderr, "kvexec_fuzz: the plain engine and the one that keeps what it read disagree\n");
+        fprintf(stderr, "kvexec_fuzz: the plain engine and the one that keeps what it read disagree (%s)\n",
+                (size / 3) % 2 ? "FIFO" : "file");
         Describe("plain", plain);
         Describe("kept", kept);
         abort();
