@@ -208,7 +208,7 @@ case "${1:-test}" in
       echo "fuzz smoke SKIPPED"
       exit 77
     fi
-    grep -E ': (== |#[0-9]+ +(INITED|DONE)|stat::)' build-fuzz/test.log | sed 's/^[0-9]*: /  /'
+    grep -E ': (== |#[0-9]+[[:space:]]+(INITED|DONE)|stat::)' build-fuzz/test.log | sed 's/^[0-9]*: /  /'
     echo "fuzz smoke passed"
     ;;
   *)

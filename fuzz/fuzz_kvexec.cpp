@@ -21,6 +21,7 @@
 #include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <term.h>
 #include <unistd.h>
@@ -290,6 +291,14 @@ void Describe(const char* name, const Run& run) {
     for (const std::string& c : run.aCommands) fprintf(stderr, "  command: %s\n", Printable(c).c_str());
 }
 
+// Whether the text holds the word, in any case.
+bool Mentions(const uint8_t* data, size_t size, const char* word) {
+    size_t n = strlen(word);
+    for (size_t i = 0; i + n <= size; ++i)
+        if (strncasecmp(reinterpret_cast<const char*>(data) + i, word, n) == 0) return true;
+    return false;
+}
+
 void RemoveDirectory() {
     unlink(g_sScriptPath.c_str());
     rmdir(g_sDirectory.c_str());
@@ -356,16 +365,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const char* mode = aModes[size % 3];
     Run plain, kept;
     RunVariant(&plain, mode, Variant::Plain);
-    RunVariant(&kept, mode, (size / 3) % 2 ? Variant::Fifo : Variant::Kept);
+    bool fifo = (size / 3) % 2 != 0;
+    RunVariant(&kept, mode, fifo ? Variant::Fifo : Variant::Kept);
     if (g_bShowOutput) {
         ssize_t n = write(1, kept.sOutput.data(), kept.sOutput.size());
         (void)n;
     }
-    if (plain.Whole() && kept.Whole() &&
+    // A script that looks at files (its own, as &0) sees a FIFO where the file was.
+    bool comparable = !fifo || !(Mentions(data, size, "&exist") || Mentions(data, size, "&filesize"));
+    if (comparable && plain.Whole() && kept.Whole() &&
         (plain.iStatus != kept.iStatus || plain.bEnded != kept.bEnded || plain.sOutput != kept.sOutput ||
          plain.ulCommands != kept.ulCommands || plain.aCommands != kept.aCommands)) {
         fprintf(stderr, "kvexec_fuzz: the plain engine and the one that keeps what it read disagree (%s)\n",
-                (size / 3) % 2 ? "FIFO" : "file");
+                fifo ? "FIFO" : "file");
         Describe("plain", plain);
         Describe("kept", kept);
         abort();

@@ -32,7 +32,7 @@ if ! "$bin" "${options[@]}" -runs=0 "$corpus" > "$scratch/corpus.log" 2>&1; then
   echo "an input of the corpus fails (kept in $findings)"
   exit 1
 fi
-grep -E '^#[0-9]+ +INITED' "$scratch/corpus.log"
+grep -E '^#[0-9]+[[:space:]]+INITED' "$scratch/corpus.log"
 
 echo "== fuzzing for $seconds seconds"
 mkdir -p "$scratch/new"
@@ -42,5 +42,5 @@ if ! "$bin" "${options[@]}" -max_total_time="$seconds" -print_final_stats=1 "$sc
   echo "fuzzing found a fault (kept in $findings)"
   exit 1
 fi
-grep -E '^#[0-9]+ +DONE|^stat::number_of_executed_units|^stat::peak_rss_mb' "$scratch/fuzz.log"
+grep -E '^#[0-9]+[[:space:]]+DONE|^stat::number_of_executed_units|^stat::peak_rss_mb' "$scratch/fuzz.log"
 exit 0
