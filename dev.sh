@@ -174,7 +174,7 @@ case "${1:-test}" in
   lint)
     need yes "${BASE_NEEDS[@]}" "${LINT_NEEDS[@]}"
     cmake -S . -B build -DKVEXEC_WERROR=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
-    clang-format --dry-run --Werror src/*/*.cpp include/*.h tests/unit/*.cpp tests/unit/*.h
+    clang-format --dry-run --Werror src/*/*.cpp src/*/*.h fuzz/*.cpp tests/unit/*.cpp tests/unit/*.h
     # clang-tidy counts the warnings it hid in system headers; only its findings are shown.
     if ! clang-tidy --quiet -p build src/*/*.cpp > build/clang-tidy.log 2>&1; then
       grep -v 'warnings generated' build/clang-tidy.log
