@@ -211,7 +211,9 @@ void FeedFifo() {
     sigemptyset(&pipe);
     sigaddset(&pipe, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &pipe, &saved);
-    int fd = open(g_sScriptPath.c_str(), O_WRONLY | O_CLOEXEC);
+    int fd;
+    while ((fd = open(g_sScriptPath.c_str(), O_WRONLY | O_CLOEXEC)) < 0 && errno == EINTR) {
+    }
     if (fd < 0) Fail("kvexec_fuzz: opening the FIFO");
     fcntl(fd, F_SETPIPE_SZ, 1 << 20);
     size_t done = 0;
@@ -228,7 +230,13 @@ void FeedFifo() {
     pthread_sigmask(SIG_SETMASK, &saved, nullptr);
 }
 
+// The interpreter's thread holds back every signal but the faults: the fuzzer's own (its timer
+// among them) are taken by this thread, and never interrupt what the interpreter waits for.
 void RunOnBigStack(Run* run, bool fifo) {
+    sigset_t held, saved;
+    sigfillset(&held);
+    for (int sig : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT}) sigdelset(&held, sig);
+    pthread_sigmask(SIG_BLOCK, &held, &saved);
     pthread_attr_t attr;
     pthread_t thread;
     if (pthread_attr_init(&attr) != 0 || pthread_attr_setstacksize(&attr, kStackBytes) != 0 ||
@@ -236,6 +244,7 @@ void RunOnBigStack(Run* run, bool fifo) {
         fprintf(stderr, "kvexec_fuzz: cannot start the interpreter thread\n");
         abort();
     }
+    pthread_sigmask(SIG_SETMASK, &saved, nullptr);
     if (fifo) FeedFifo();
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attr);
