@@ -7,6 +7,8 @@
 #   ./dev.sh bench      build, then run the benchmarks in bench/ (options go to bench/run.sh:
 #                       --runs N, --only REGEX, --smoke, --instructions)
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
+#   ./dev.sh fuzz-smoke build the fuzzing target with clang in build-fuzz and run its smoke test
+#                       (the corpus, then a minute of fuzzing); status 77 when clang cannot build it
 #
 # Build output goes to <build folder>/build.log and test output to <build folder>/test.log; each is
 # shown only when its step fails.
@@ -34,6 +36,7 @@ TEST_NEEDS=(
 )
 BENCH_NEEDS=("/usr/bin/time:time:timing the benchmarks" "dash:dash:the dash peers"
              "bash:bash:the bash peers" "rexx:regina-rexx:the Regina REXX peers")
+FUZZ_NEEDS=("clang++:clang:the fuzzing target (libFuzzer)")
 LINT_NEEDS=("clang-format:clang-format:the formatting check" "clang-tidy:clang-tidy:the lint")
 
 has() {  # has <command or absolute path>
@@ -83,6 +86,17 @@ node_tools() {  # node_tools <build folder>
       vscode-textmate@9.3.2 vscode-oniguruma@2.0.1 > "$dir/npm.log" 2>&1; then
     echo "note: could not install vscode-textmate from npm (see $dir/npm.log); the grammar test checks it without"
   fi
+}
+
+# Whether clang++ links a libFuzzer target with the sanitizers the fuzzing build uses.
+fuzzer_runtime() {
+  has clang++ || return 1
+  local dir status=0
+  dir=$(mktemp -d)
+  printf 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }\n' > "$dir/t.cpp"
+  clang++ -fsanitize=fuzzer,address,undefined,float-cast-overflow "$dir/t.cpp" -o "$dir/t" > /dev/null 2>&1 || status=1
+  rm -rf "$dir"
+  return $status
 }
 
 build() {  # build <dir> [--target <target>] [cmake options]
@@ -164,15 +178,45 @@ case "${1:-test}" in
   lint)
     need yes "${BASE_NEEDS[@]}" "${LINT_NEEDS[@]}"
     cmake -S . -B build -DKVEXEC_WERROR=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
-    clang-format --dry-run --Werror src/*/*.cpp src/*/*.h tests/unit/*.cpp tests/unit/*.h
+    clang-format --dry-run --Werror src/*/*.cpp src/*/*.h fuzz/*.cpp tests/unit/*.cpp tests/unit/*.h
     # clang-tidy counts the warnings it hid in system headers; only its findings are shown.
     if ! clang-tidy --quiet -p build src/*/*.cpp > build/clang-tidy.log 2>&1; then
       grep -v 'warnings generated' build/clang-tidy.log
       exit 1
     fi
     ;;
+  fuzz-smoke)
+    need yes "${BASE_NEEDS[@]}"
+    need no "${FUZZ_NEEDS[@]}"
+    if has clang++ && ! fuzzer_runtime && command -v apt-get > /dev/null; then
+      # The runtimes (libFuzzer, the sanitizers) come in a package of their own.
+      sudo=""
+      [ "$(id -u)" -ne 0 ] && sudo=sudo
+      echo "installing: libclang-rt-dev"
+      $sudo apt-get update -qq > /dev/null && $sudo apt-get install -y -qq libclang-rt-dev > /dev/null || true
+    fi
+    if ! fuzzer_runtime; then
+      echo "fuzz smoke SKIPPED: clang++ cannot link a libFuzzer target with the sanitizers (Debian: clang, libclang-rt-dev)"
+      exit 77
+    fi
+    build build-fuzz --target kvexec_fuzz -DCMAKE_CXX_COMPILER=clang++ -DKVEXEC_FUZZ=ON -DKVEXEC_TESTS=ON
+    status=0
+    ctest --test-dir build-fuzz -L fuzz -V > build-fuzz/test.log 2>&1 || status=$?
+    if [ $status -ne 0 ] || ! grep -q '100% tests passed' build-fuzz/test.log; then
+      cat build-fuzz/test.log
+      echo "fuzz smoke failed (log: build-fuzz/test.log; findings: build-fuzz/fuzz-findings/)"
+      exit 1
+    fi
+    if grep -q '(Skipped)' build-fuzz/test.log; then
+      grep -E 'SKIPPED' build-fuzz/test.log || true
+      echo "fuzz smoke SKIPPED"
+      exit 77
+    fi
+    grep -E ': (== |#[0-9]+[[:space:]]+(INITED|DONE)|stat::)' build-fuzz/test.log | sed 's/^[0-9]*: /  /'
+    echo "fuzz smoke passed"
+    ;;
   *)
-    echo "usage: ./dev.sh example|test|sanitize|bench|lint" >&2
+    echo "usage: ./dev.sh example|test|sanitize|bench|lint|fuzz-smoke" >&2
     exit 2
     ;;
 esac

@@ -30,6 +30,9 @@ void SetReportSource(const char* script, const int* line) {
 
 void ExitRun(int status) {
     kavro::TermFlush();
+#ifdef KVEXEC_FUZZ
+    kavro::FuzzEndRun(status);
+#endif
     exit(status);
 }
 

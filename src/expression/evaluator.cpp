@@ -4,6 +4,7 @@
 // expression.
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "diagnostics.h"
 #include "expression.h"
@@ -45,12 +46,12 @@ void IndexForm(Parser* p, Const* result) {
     Pop(p, result);
     ToString(result);
     if (p->eTokenType == TokenEndIndex) {
-        char* copy = strdup(result->sValue);
+        // Owned, so that it is freed however the push ends.
+        std::unique_ptr<char, void (*)(void*)> copy(strdup(result->sValue), free);
         if (!copy) MEMORY_ERROR(Src::Expression, At::FieldCopy);
-        char* field = strtok(copy, ".:");
+        char* field = strtok(copy.get(), ".:");
         for (int n = first.iValue; n > 1; --n) field = strtok(nullptr, ".:");
         PushString(p, field ? field : "");
-        free(copy);
         return;
     }
     Eval(p, &second, false);

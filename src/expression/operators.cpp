@@ -43,6 +43,9 @@ void Logical(Parser* p, char op) {
                 // The remainder by zero traps, as the division instruction does: the process
                 // ends on the arithmetic signal with no report.
                 kavro::TermFlush();
+#ifdef KVEXEC_FUZZ
+                kavro::FuzzEndRun(128 + SIGFPE);
+#endif
                 std::signal(SIGFPE, SIG_DFL);
                 std::raise(SIGFPE);
             }

@@ -171,4 +171,33 @@ bool t_islower(int c);
 int t_toupper(int c);
 int t_tolower(int c);
 
+#ifdef KVEXEC_FUZZ
+// ---- Fuzzing build ---------------------------------------------------------------------
+// The fuzzing build (KVEXEC_FUZZ, never the program) runs one script after another in one process
+// and reaches nothing outside it: command lines are recorded instead of run, sleeps and waits
+// return at once, keyboard input reads as the end of input, and every way a run ends throws
+// RunEnded instead of ending the process. fuzzing.cpp holds it.
+
+struct RunEnded {
+    int iStatus;
+    bool bCutOff;  // the run used up its budget of steps or time
+};
+[[noreturn]] void FuzzEndRun(int status);
+// One step of a run (a script line read, a command, a round of &SHIFT): past the budget the run
+// is cut off.
+void FuzzStep();
+// Gives the next run its budget, and puts back what the runtime keeps from one run to the next
+// (output, keyboard, keyboard stack, the recorded commands) as it was at start.
+void FuzzReset(unsigned long steps, long nanoseconds);
+// What t_system does instead of running the command: records it and gives a status read from its
+// text ("false" 1, "exit n" n, anything else 0).
+int FuzzCommand(const char* command);
+// The commands recorded since the reset (the first ones; the count is kept whole).
+const std::vector<std::string>& FuzzCommands();
+unsigned long FuzzCommandCount();
+// The resets of the output and keyboard units.
+void OutputFuzzReset();
+void KeyboardFuzzReset();
+#endif
+
 }  // namespace kavro

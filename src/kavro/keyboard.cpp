@@ -44,6 +44,16 @@ char acKey[MB_LEN_MAX > 8 ? MB_LEN_MAX : 8];
 size_t uiKey = 0;
 int iUnread = -1;
 
+// Whether standard input is the terminal. The fuzzing build has no keyboard: its input is at
+// its end from the start.
+bool InputIsTerminal() {
+#ifdef KVEXEC_FUZZ
+    return false;
+#else
+    return isatty(0) != 0;
+#endif
+}
+
 void LeaveRaw() {
     SignalGuard guard;
     if (bRaw) tcsetattr(0, TCSANOW, &termSaved);
@@ -53,7 +63,7 @@ void LeaveRaw() {
 }
 
 void EnterRaw() {
-    if (bRawInput || !isatty(0)) return;
+    if (bRawInput || !InputIsTerminal()) return;
     SignalGuard guard;
     if (tcgetattr(0, &termSaved) != 0) return;
     if (!bAtExit) {
@@ -74,6 +84,10 @@ void EnterRaw() {
 }
 
 int ReadByte(int timeoutMs) {
+#ifdef KVEXEC_FUZZ
+    (void)timeoutMs;
+    return -1;
+#endif
     if (iUnread >= 0) {
         int c = iUnread;
         iUnread = -1;
@@ -172,7 +186,7 @@ void MoveTo(int row, int col) {
 
 }  // namespace
 
-bool TermIsInteractive() { return isatty(0) != 0; }
+bool TermIsInteractive() { return InputIsTerminal(); }
 
 TermWin TermGetWin() {
     TermWin w;
@@ -229,7 +243,7 @@ void TermMoveInput(int row, int col) { MoveTo(row, col); }
 void TermUpdate() { TermFlush(); }
 
 void pagewait() {
-    if (!isatty(0)) return;
+    if (!InputIsTerminal()) return;
     bool show = isatty(1) != 0;
     if (show) TermWrite("Press any key to continue");
     TermFlush();
@@ -244,6 +258,15 @@ void pagewait() {
         TermFlush();
     }
 }
+
+#ifdef KVEXEC_FUZZ
+void KeyboardFuzzReset() {
+    iCursor = 0;
+    iInRow = iInCol = iWidth = 0;
+    uiKey = 0;
+    iUnread = -1;
+}
+#endif
 
 bool KeyboardSuspendRaw() {
     if (!bRaw) return false;

@@ -79,6 +79,9 @@ long MonotonicNanoseconds() {
     message += "\n";
     ssize_t rc = write(2, message.data(), message.size());
     (void)rc;
+#ifdef KVEXEC_FUZZ
+    FuzzEndRun(1);
+#endif
     if (bExiting) _exit(1);
     exit(1);
 }
@@ -456,6 +459,22 @@ void OutputWriteWaiting() {
         uiWritten = uiWritten + static_cast<size_t>(w);
     }
 }
+
+#ifdef KVEXEC_FUZZ
+void OutputFuzzReset() {
+    SignalGuard guard;
+    sOut.clear();
+    uiWritten = 0;
+    bFailed = false;
+    bExiting = false;
+    bClosed = 0;
+    uiAttrs = 0;
+    iPending = iNeed = 0;
+    lPendingSince = 0;
+    iColumn = 0;
+    iTrackNeed = 0;
+}
+#endif
 
 void TermCapture(std::string* sink) {
     TermFlush();

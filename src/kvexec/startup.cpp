@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -85,16 +86,19 @@ int RunMain(int argc, char** argv) {
     }
     if (strcmp(argv[1], "--help") == 0) Help(argv[0]);
     if (strcmp(argv[1], "--version") == 0) Version(argv[0]);
+    // KVEXEC_PLAIN turns off what is kept to go faster: the reader's blocks, lines and label
+    // index, and the variable index.
+    const char* plain = getenv("KVEXEC_PLAIN");
+    static ScriptReader script;
+    return RunScript(script, argc, argv, plain && *plain);
+}
+
+int RunScript(ScriptReader& script, int argc, char** argv, bool bPlain) {
     szScript = argv[1];
 
     setlocale(LC_CTYPE, "");
     tzset();
 
-    static ScriptReader script;
-    // KVEXEC_PLAIN turns off what is kept to go faster: the reader's blocks, lines and label
-    // index, and the variable index.
-    const char* plain = getenv("KVEXEC_PLAIN");
-    bool bPlain = plain && *plain;
     if (!script.Open(argv[1], !bPlain)) {
         int e = errno;
         perror(argv[1]);
@@ -106,7 +110,8 @@ int RunMain(int argc, char** argv) {
     Parser* p = &parser;
     p->pScript = &script;
     InitVariables(!bPlain);
-    p->pStack = AllocOperandStack();
+    std::unique_ptr<StackEntry[]> stack(AllocOperandStack());
+    p->pStack = stack.get();
     SetIntegerVar("&retcode", 0);
 
     int mode = kavro::getintenv("kvwm") != 0 ? 3 : 2;
@@ -129,7 +134,6 @@ int RunMain(int argc, char** argv) {
     }
 
     script.Close();
-    delete[] p->pStack;
     p->pStack = nullptr;
     return 0;
 }

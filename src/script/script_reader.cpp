@@ -21,7 +21,13 @@ namespace {
 // A file changed this recently may change again within the same tick of the clock that stamps
 // it, leaving its times as they were: what is read of it is not kept until it has been still
 // for this long.
+#ifndef KVEXEC_FUZZ
 constexpr long long kSettleNs = 20'000'000;
+#else
+// The fuzzing build's scripts are written just before they run and never change while they do:
+// they count as settled at once, so that what is kept is used.
+constexpr long long kSettleNs = 0;
+#endif
 // While nothing else ran, the file is checked again no more often than this (on the coarse
 // clock, which moves in ticks of a few milliseconds).
 constexpr long long kRecheckNs = 1'000'000;
@@ -86,6 +92,9 @@ void ScriptReader::ReadFailed() {
     int e = errno;
     kavro::TermFlush();
     perror(sPath.c_str());
+#ifdef KVEXEC_FUZZ
+    kavro::FuzzEndRun(e);
+#endif
     exit(e);
 }
 
@@ -281,6 +290,9 @@ const char* ScriptReader::Assemble() {
 }
 
 const char* ScriptReader::GetLine() {
+#ifdef KVEXEC_FUZZ
+    kavro::FuzzStep();
+#endif
     kavro::TermFlushIfStale();
     lLinePos = lOffset;
     if (bEof) return nullptr;

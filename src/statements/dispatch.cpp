@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "char_classes.h"
 #include "diagnostics.h"
@@ -64,10 +65,10 @@ void RunCommandLine(Parser* p) {
     int status = Exec(p, command);
     kavro::t_StackClear();
     if (status != 0 && !p->sOnError.empty()) {
-        char* copy = strdup(p->sOnError);
+        // Owned, so that it is freed however the line ends.
+        std::unique_ptr<char, void (*)(void*)> copy(strdup(p->sOnError), free);
         if (!copy) MEMORY_ERROR(Src::Kvexec, At::ErrorCopy);
-        _Parse_Line(p, copy);
-        free(copy);
+        _Parse_Line(p, copy.get());
     }
 }
 
