@@ -61,9 +61,8 @@ std::atomic<long> lLive{0};  // bytes from operator new not yet deleted, every t
 long lLiveAtStart = 0;
 
 void* Allocate(size_t n, bool nothrow) {
-    if (t_bBudgeted &&
-        (n > kMaxAllocation ||
-         lLive.load(std::memory_order_relaxed) - lLiveAtStart + static_cast<long>(n) > kMaxLiveBytes)) {
+    if (t_bBudgeted && (n > kMaxAllocation ||
+                        lLive.load(std::memory_order_relaxed) - lLiveAtStart + static_cast<long>(n) > kMaxLiveBytes)) {
         bBudgetUsedUp = true;
         if (nothrow) return nullptr;
         throw std::bad_alloc();

@@ -17,31 +17,9 @@
 
 namespace {
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using kvtest::ReadFile;
 
-// A fresh directory under /tmp, removed with everything in it at the end of the test.
-class TempDir {
-public:
-    TempDir() {
-        char templ[] = "/tmp/kvexec-unit-XXXXXX";
-        const char* d = mkdtemp(templ);
-        if (d) sPath = d;
-    }
-    ~TempDir() {
-        if (!sPath.empty()) {
-            std::string cmd = "rm -rf '" + sPath + "'";
-            int rc = system(cmd.c_str());
-            (void)rc;
-        }
-    }
-    std::string operator/(const char* name) const { return sPath + "/" + name; }
-    std::string sPath;
-};
+using kvtest::TempDir;
 
 class KavroProcess : public ::testing::Test {
 protected:

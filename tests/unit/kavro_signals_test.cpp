@@ -17,12 +17,7 @@
 
 namespace {
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using kvtest::ReadFile;
 
 class KavroSignals : public ::testing::Test {
 protected:

@@ -250,30 +250,9 @@ TEST(ShellEnvironment, MatchesTheShellOnRandomEnvironments) {
 
 // ---- Running lines directly and through the shell ------------------------------------------------
 
-class TempDir {
-public:
-    TempDir() {
-        char templ[] = "/tmp/kvexec-spawn-XXXXXX";
-        const char* d = mkdtemp(templ);
-        if (d) sPath = d;
-    }
-    ~TempDir() {
-        if (!sPath.empty()) {
-            std::string cmd = "rm -rf '" + sPath + "'";
-            int rc = system(cmd.c_str());
-            (void)rc;
-        }
-    }
-    std::string operator/(const char* name) const { return sPath + "/" + name; }
-    std::string sPath;
-};
+using kvtest::TempDir;
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using kvtest::ReadFile;
 
 void WriteFile(const std::string& path, const std::string& text, mode_t mode) {
     {

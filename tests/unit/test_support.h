@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "blocks.h"
@@ -15,6 +18,35 @@
 #include "variables.h"
 
 namespace kvtest {
+
+// The whole content of a file.
+inline std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+// A fresh directory under /tmp, removed with everything in it at the end of the test.
+class TempDir {
+public:
+    TempDir() {
+        char templ[] = "/tmp/kvexec-unit-XXXXXX";
+        const char* d = mkdtemp(templ);
+        if (d) sPath = d;
+    }
+    ~TempDir() {
+        if (!sPath.empty()) {
+            std::string cmd = "rm -rf '" + sPath + "'";
+            int rc = system(cmd.c_str());
+            (void)rc;
+        }
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    std::string operator/(const char* name) const { return sPath + "/" + name; }
+    std::string sPath;
+};
 
 // Values of each type, for tests that build operands by hand.
 inline Const Int(int v) {
