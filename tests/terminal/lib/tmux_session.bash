@@ -38,14 +38,8 @@ KVX_DIR=""
 KVX_SOCK="kvx$$"
 KVX_TIMEOUT=${KVX_TIMEOUT:-6}  # seconds for each wait; only a failing wait takes this long
 
-kvx_skip() {
-    if [ -n "${CI:-}" ]; then
-        echo "$KVX_NAME: FAIL: $* (required when CI is set)"
-        exit 1
-    fi
-    echo "$KVX_NAME: SKIPPED: $*"
-    exit 77
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../../lib/skip.bash"
+kvx_skip() { skip_test "$KVX_NAME" "$@"; }
 
 kvx_setup() {
     command -v tmux > /dev/null 2>&1 || kvx_skip "tmux is not installed"
