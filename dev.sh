@@ -33,6 +33,7 @@ TEST_NEEDS=(
   "dpkg-shlibdeps:dpkg-dev:the Debian package's dependencies"
   "gzip:gzip:compressing the manual pages"
   "python3:python3:the differential test"
+  "/usr/share/i18n/locales/tr_TR:locales:building the locales of the locale test"
 )
 BENCH_NEEDS=("/usr/bin/time:time:timing the benchmarks" "dash:dash:the dash peers"
              "bash:bash:the bash peers" "rexx:regina-rexx:the Regina REXX peers")

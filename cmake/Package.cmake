@@ -18,11 +18,25 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 
-# Run-time libraries: the terminal library and the C and C++ runtimes, as dpkg-shlibdeps finds
-# them; written out by hand where it is missing.
+# Run-time libraries, as dpkg-shlibdeps finds them for the dynamically linked programs; written
+# out by hand where it is missing. A statically linked kvexec still loads the system's
+# name-service modules to look up an account (those other than files): they must come from the
+# C library it was linked with, so the package asks for that version of libc6.
+set(KVEXEC_PACKAGE_DEPENDS "")
+if(KV_STATIC_PROGRAM)
+  execute_process(COMMAND getconf GNU_LIBC_VERSION OUTPUT_VARIABLE KVEXEC_LIBC OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(KVEXEC_LIBC MATCHES "^glibc ([0-9]+)\\.([0-9]+)")
+    math(EXPR KVEXEC_LIBC_NEXT "${CMAKE_MATCH_2} + 1")
+    set(KVEXEC_PACKAGE_DEPENDS
+        "libc6 (>= ${CMAKE_MATCH_1}.${CMAKE_MATCH_2}), libc6 (<< ${CMAKE_MATCH_1}.${KVEXEC_LIBC_NEXT})")
+  endif()
+endif()
 find_program(KVEXEC_DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(KVEXEC_DPKG_SHLIBDEPS)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "${KVEXEC_PACKAGE_DEPENDS}")
+elseif(KVEXEC_PACKAGE_DEPENDS)
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "${KVEXEC_PACKAGE_DEPENDS}, libgcc-s1, libstdc++6")
 else()
   set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.34), libgcc-s1, libstdc++6, libtinfo6")
 endif()

@@ -37,6 +37,13 @@ extern std::vector<CBString> t_asCmdargs;
 // Prepares the session: fills t_asCmdargs with argv[0..argc-1] (the script path first) and the
 // session record from the environment; returns the number of positional arguments.
 int t_Init(int argc, char** argv, int mode, bool bQuiet);
+// The character-type locale (LC_CTYPE). LocaleInit takes the user's at start-up, except where
+// its single-byte classes and case are the C locale's (C, POSIX, every UTF-8 locale): then it is
+// taken at the first use of what does differ, multibyte keys and the terminal's character set,
+// which calls LocaleUse first. Reading a locale costs more than the rest of a start-up.
+void LocaleInit();
+void LocaleUse();
+bool LocaleDeferrable(const char* name);  // whether a locale name is one LocaleInit may defer
 // The account name: KVEXEC_ACCOUNT, else the login name, else USER, as they were at start-up.
 const CBString& AccountName();
 // An environment variable read as a base-10 integer; 0 when it is not set.

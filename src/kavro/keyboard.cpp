@@ -159,7 +159,10 @@ int ReadKey() {
     int c = KeyByte(-1);
     if (c < 0 || !bRaw) return c;
     if (c == 0x1b) return ReadEscapeSequence();
-    if (c >= 0x80 && MB_CUR_MAX > 1) return ReadCharacter(c);
+    if (c >= 0x80) {
+        LocaleUse();
+        if (MB_CUR_MAX > 1) return ReadCharacter(c);
+    }
     return c;
 }
 

@@ -292,6 +292,7 @@ void SetupTerminfo() {
     int err = 0;
     const char* term = getenv("TERM");
     bTerminfo = term && *term && setupterm(term, 1, &err) == OK;
+    LocaleUse();
     const char* cs = nl_langinfo(CODESET);
     bUtf8 = cs && (strcasecmp(cs, "UTF-8") == 0 || strcasecmp(cs, "utf8") == 0);
 }

@@ -1,8 +1,8 @@
-// Signal handling. The interpreter runs on a thread of its own, while a signal sent to the process
-// is taken by whichever thread does not hold it back, most often the one that only waits for the
-// interpreter. A handler on another thread passes the signal on to the interpreter's thread, so
-// that every handler runs there, between two steps of the interpreter, and can rely on a guard
-// to know whether the state it reads is whole.
+// Signal handling. Every handler runs on the interpreter's thread, between two steps of the
+// interpreter, and can rely on a guard to know whether the state it reads is whole. Where the
+// interpreter runs on a thread of its own (see kvexec's main), a signal sent to the process is
+// taken by whichever thread does not hold it back, most often the one that only waits for the
+// interpreter: a handler on another thread passes the signal on to the interpreter's thread.
 #include "signals.h"
 
 #include <pthread.h>

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -96,7 +95,7 @@ int RunMain(int argc, char** argv) {
 int RunScript(ScriptReader& script, int argc, char** argv, bool bPlain) {
     szScript = argv[1];
 
-    setlocale(LC_CTYPE, "");
+    kavro::LocaleInit();
     tzset();
 
     if (!script.Open(argv[1], !bPlain)) {
