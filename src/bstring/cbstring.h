@@ -64,7 +64,17 @@ public:
         s_ += c;
         return *this;
     }
-    void assign(const char* p, size_t n) { s_.assign(p, n); }
+    void assign(const char* p, size_t n) {
+        // A text from elsewhere that fits the room already there (the tokenizer's case) is copied
+        // without the general path's checks for overlap and growth.
+        const char* room = s_.data();
+        if (n <= s_.capacity() && (p + n <= room || p >= room + s_.capacity() + 1)) {
+            s_.clear();
+            s_.append(p, n);
+        } else {
+            s_.assign(p, n);
+        }
+    }
     void append(const char* p, size_t n) { s_.append(p, n); }
 
     // printf-style formatting: format replaces the content, formata appends to it.

@@ -109,6 +109,7 @@ int RunScript(ScriptReader& script, int argc, char** argv, bool bPlain) {
     Parser* p = &parser;
     p->pScript = &script;
     InitVariables(!bPlain);
+    KeepTokens(!bPlain);
     std::unique_ptr<StackEntry[]> stack(AllocOperandStack());
     p->pStack = stack.get();
     SetIntegerVar("&retcode", 0);

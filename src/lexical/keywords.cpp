@@ -10,29 +10,41 @@
 #include <cstring>
 
 KeywordTable::KeywordTable(const char* const* names) {
-    for (const char* const* n = names; *n; ++n) apszNames.push_back(*n);
+    for (const char* const* n = names; *n; ++n) {
+        apszNames.push_back(*n);
+        uiLongest = std::max(uiLongest, strlen(*n));
+    }
 }
 
 // Rows by length and the low five bits of the folded last character: a compact table, and both
 // cases of an ASCII letter share a slot.
 size_t KeywordTable::Slot(size_t length, unsigned char last) { return length * 32 + (last & 31u); }
 
-int KeywordTable::Find(const char* text) const {
-    if (aRows.empty()) {
-        for (const char* n : apszNames) uiLongest = std::max(uiLongest, strlen(n));
-        aRows.resize(Slot(uiLongest, 255) + 1);
-        for (size_t row = 0; row < apszNames.size(); ++row) {
-            const char* n = apszNames[row];
-            size_t len = strlen(n);
-            unsigned char last = len ? chars::Lower(n[len - 1]) : 0;
-            aRows[Slot(len, last)].push_back(static_cast<int>(row));
-        }
+void KeywordTable::Group() const {
+    std::vector<std::vector<int>> slots(Slot(uiLongest, 255) + 1);
+    for (size_t row = 0; row < apszNames.size(); ++row) {
+        const char* n = apszNames[row];
+        size_t len = strlen(n);
+        unsigned char last = len ? chars::Lower(n[len - 1]) : 0;
+        slots[Slot(len, last)].push_back(static_cast<int>(row));
     }
-    size_t len = strnlen(text, uiLongest + 1);
-    if (len > uiLongest) return -1;
-    unsigned char last = len ? chars::Lower(text[len - 1]) : 0;
-    for (int row : aRows[Slot(len, last)])
+    aSlotStart.push_back(0);
+    for (const std::vector<int>& rows : slots) {
+        aSlotRows.insert(aSlotRows.end(), rows.begin(), rows.end());
+        aSlotStart.push_back(static_cast<uint16_t>(aSlotRows.size()));
+    }
+}
+
+int KeywordTable::Find(const char* text) const { return Find(text, strnlen(text, uiLongest + 1)); }
+
+int KeywordTable::Find(const char* text, size_t length) const {
+    if (length > uiLongest) return -1;
+    if (aSlotStart.empty()) Group();
+    size_t slot = Slot(length, length ? chars::Lower(text[length - 1]) : 0);
+    for (size_t i = aSlotStart[slot]; i < aSlotStart[slot + 1]; ++i) {
+        int row = aSlotRows[i];
         if (chars::EqualFolded(apszNames[static_cast<size_t>(row)], text)) return row;
+    }
     return -1;
 }
 
@@ -65,7 +77,13 @@ const Comparator aComparators[] = {
 
 const Comparator* GetComparator(const char* text) {
     // Comparators have no letters, so the exact comparison is the case-free one.
-    if (!strchr("=<>!", text[0]) || text[0] == '\0') return nullptr;
+    switch (text[0]) {
+        case '=':
+        case '<':
+        case '>':
+        case '!': break;
+        default: return nullptr;
+    }
     for (const Comparator* c = aComparators; c->pszName; ++c)
         if (c->pszName[0] == text[0] && strcmp(c->pszName, text) == 0) return c;
     return nullptr;

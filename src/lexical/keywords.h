@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "kvtypes.h"
@@ -18,14 +19,19 @@ public:
     explicit KeywordTable(const char* const* names);
     // The row of the first name equal to text, or -1.
     int Find(const char* text) const;
+    // The same for a text of the given length (a C string: text[length] is its end).
+    int Find(const char* text, size_t length) const;
     const char* Name(int row) const { return apszNames[static_cast<size_t>(row)]; }
     int Size() const { return static_cast<int>(apszNames.size()); }
 
 private:
     static size_t Slot(size_t length, unsigned char last);
+    void Group() const;
     std::vector<const char*> apszNames;
-    mutable std::vector<std::vector<int>> aRows;  // rows, in table order, by Slot
-    mutable size_t uiLongest = 0;
+    size_t uiLongest = 0;
+    // The rows of slot n, in table order: aSlotRows[aSlotStart[n]] up to aSlotRows[aSlotStart[n + 1]].
+    mutable std::vector<uint16_t> aSlotStart;
+    mutable std::vector<int> aSlotRows;
 };
 
 // Whether a table binding handlers to words has one row per word, in the words' order.

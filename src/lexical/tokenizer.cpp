@@ -6,6 +6,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+#include <algorithm>
 
 #include "tokenizer.h"
 
@@ -140,7 +146,151 @@ void skip_spaces(TokenScan* p) {
 
 bool IsConst(const TokenType& t) { return t == TokenInteger || t == TokenFloat || t == TokenString; }
 
-void SkipLine(TokenScan* p) { p->pPos = p->sLine.data() + p->sLine.length(); }
+void SkipLine(TokenScan* p) { p->pPos = p->Line().data() + p->Line().length(); }
+
+// ---- Kept cuts ------------------------------------------------------------------------------
+
+// One cut: where the scan was, what it gave and where it left the scan. Offsets are into the line.
+struct Cut {
+    uint32_t uiFrom;
+    bool bReference;  // ReferenceEnd's cut rather than TokenEnd's
+    bool bFirst;      // bFirstToken when cut
+    bool bSetsWord;   // the classification set iWord (to iWord)
+    uint32_t uiStart, uiEnd;  // the token's text, when it is the line's own
+    int32_t iRewritten;       // else its index in LineTokens::asRewritten
+    uint32_t uiNext;
+    TokenType eType;
+    int iWord;
+};
+
+struct LineTokens {
+    std::string sText;
+    std::vector<Cut> aCuts;  // by uiFrom, then bReference, then bFirst
+    std::vector<CBString> asRewritten;
+};
+
+namespace {
+
+bool bKeepTokens = false;
+// The kept lines by text. Entries are never dropped while the program runs (scans point at them);
+// past the limits no more lines are kept.
+std::unordered_map<std::string_view, std::unique_ptr<LineTokens>> mapLineTokens;
+size_t uiKeptBytes = 0;
+constexpr size_t kMaxKeptLines = 1u << 16;
+constexpr size_t kMaxKeptBytes = size_t{16} << 20;
+
+bool Before(const Cut& c, uint32_t from, bool reference, bool first) {
+    if (c.uiFrom != from) return c.uiFrom < from;
+    if (c.bReference != reference) return c.bReference < reference;
+    return c.bFirst < first;
+}
+
+// The kept cut for the scan as it stands, or a new one made by cut(p), the plain way.
+template <typename CutFn>
+void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
+    LineTokens* lt = p->pTokens;
+    const char* base = p->Line().data();
+    size_t offset = static_cast<size_t>(p->pPos - base);
+    if (!lt || p->Line().str().size() != lt->sText.size() || p->pPos < base || offset > lt->sText.size()) {
+        cut(p);
+        return;
+    }
+    uint32_t from = static_cast<uint32_t>(offset);
+    std::vector<Cut>& cuts = lt->aCuts;
+    size_t i = p->uiNextCut;
+    if (i >= cuts.size() || cuts[i].uiFrom != from || cuts[i].bReference != reference || cuts[i].bFirst != p->bFirstToken) {
+        auto at = std::lower_bound(cuts.begin(), cuts.end(), 0, [&](const Cut& c, int) {
+            return Before(c, from, reference, p->bFirstToken);
+        });
+        i = static_cast<size_t>(at - cuts.begin());
+        if (at == cuts.end() || at->uiFrom != from || at->bReference != reference || at->bFirst != p->bFirstToken) {
+            // Not cut before: cut now, and keep what it gave.
+            const int before = p->iWord;
+            p->iWord = INT_MIN;
+            cut(p);
+            Cut c{};
+            c.uiFrom = from;
+            c.bReference = reference;
+            c.bFirst = p->bFirstToken;
+            c.bSetsWord = p->iWord != INT_MIN;
+            c.iWord = p->iWord;
+            if (!c.bSetsWord) p->iWord = before;
+            c.uiNext = static_cast<uint32_t>(p->pPos - base);
+            c.eType = p->eTokenType;
+            c.iRewritten = -1;
+            const size_t length = p->sToken.str().size();
+            const char* own = static_cast<const char*>(
+                memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
+            if (length == 0) {
+                c.uiStart = c.uiEnd = 0;
+            } else if (own) {
+                c.uiStart = static_cast<uint32_t>(own - base);
+                c.uiEnd = c.uiStart + static_cast<uint32_t>(length);
+            } else {
+                c.iRewritten = static_cast<int32_t>(lt->asRewritten.size());
+                lt->asRewritten.push_back(p->sToken);
+            }
+            cuts.insert(cuts.begin() + static_cast<std::ptrdiff_t>(i), c);
+            p->uiNextCut = i + 1;
+            return;
+        }
+    }
+    const Cut& c = cuts[i];
+    if (c.iRewritten >= 0)
+        p->sToken = lt->asRewritten[static_cast<size_t>(c.iRewritten)];
+    else
+        p->sToken.assign(base + c.uiStart, c.uiEnd - c.uiStart);
+    p->pPos = base + c.uiNext;
+    p->eTokenType = c.eType;
+    if (c.bSetsWord) p->iWord = c.iWord;
+    p->uiNextCut = i + 1;
+}
+
+void CutToken(TokenScan* p) {
+    const char* s = p->pPos;
+    while (*s && chars::IsSpace(*s)) ++s;
+    if (*s == '\0') {
+        p->sToken.clear();
+        p->eTokenType = TokenEol;
+        return;
+    }
+    const char* e = TokenEnd(s);
+    p->sToken.assign(s, static_cast<size_t>(e - s));
+    p->pPos = e;
+    p->eTokenType = GetTokenType(p);
+}
+
+void CutReference(TokenScan* p) {
+    const char* s = p->pPos;
+    const char* e = ReferenceEnd(s);
+    p->sToken.assign(s, static_cast<size_t>(e - s));
+    p->pPos = e;
+    p->eTokenType = GetTokenType(p);
+}
+
+}  // namespace
+
+void KeepTokens(bool on) { bKeepTokens = on; }
+
+void SetLine(TokenScan* p, const char* text, bool repeated) {
+    p->sLine = text;
+    p->pPos = p->sLine.data();
+    p->pTokens = nullptr;
+    p->uiNextCut = 0;
+    if (!bKeepTokens || !repeated) return;
+    std::string_view key(p->sLine.str());
+    auto it = mapLineTokens.find(key);
+    if (it != mapLineTokens.end()) {
+        p->pTokens = it->second.get();
+        return;
+    }
+    if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
+    auto kept = std::make_unique<LineTokens>();
+    kept->sText.assign(key);
+    uiKeptBytes += key.size();
+    p->pTokens = kept.get();
+    mapLineTokens.emplace(std::string_view(kept->sText), std::move(kept));
+}
 
 bool GetNextToken(TokenScan* p) {
     const char* s = p->pPos;
@@ -151,12 +301,23 @@ bool GetNextToken(TokenScan* p) {
         if (p->bDebug) kavro::TermPrintf("token type = %s|\r", aszTokenTypes[TokenEol]);
         return true;
     }
-    const char* e = TokenEnd(s);
-    p->sToken.assign(s, static_cast<size_t>(e - s));
-    p->pPos = e;
-    p->eTokenType = GetTokenType(p);
+    if (p->pTokens) {
+        CutThroughKept(p, false, CutToken);
+    } else {
+        const char* e = TokenEnd(s);
+        p->sToken.assign(s, static_cast<size_t>(e - s));
+        p->pPos = e;
+        p->eTokenType = GetTokenType(p);
+    }
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s|\r", aszTokenTypes[p->eTokenType], p->sToken.data());
     return true;
+}
+
+void GetReferenceToken(TokenScan* p) {
+    if (p->pTokens)
+        CutThroughKept(p, true, CutReference);
+    else
+        CutReference(p);
 }
 
 TokenType GetTokenType(TokenScan* p) {
@@ -198,8 +359,8 @@ TokenType GetTokenType(TokenScan* p) {
     }
     if (GetComparator(t.c_str())) return TokenComparator;
     // Every statement and function word begins with "&", which no other byte folds to.
-    if (t[0] == '&' && (p->iWord = kFunctionWords.Find(t.c_str())) >= 0) return TokenFunction;
-    if (t[0] == '&' && (p->iWord = kStatementWords.Find(t.c_str())) >= 0) return TokenStatement;
+    if (t[0] == '&' && (p->iWord = kFunctionWords.Find(t.c_str(), t.size())) >= 0) return TokenFunction;
+    if (t[0] == '&' && (p->iWord = kStatementWords.Find(t.c_str(), t.size())) >= 0) return TokenStatement;
     if (p->bFirstToken) return TokenVar;
     return t[0] == '&' ? TokenVar : TokenString;
 }

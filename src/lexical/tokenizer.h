@@ -37,18 +37,39 @@ enum TokenType : int32_t {
 
 extern const char* const aszTokenTypes[];
 
+struct LineTokens;
+
 // The scan of the line being dispatched: the line, the position in it and the current token.
 struct TokenScan {
     TokenType eTokenType = NotAToken;
     CBString sToken;
-    CBString sLine;  // the line being dispatched, from its first non-blank character
     const char* pPos = nullptr;
     bool bDebug = false;       // &CONTROL DEBUG: print every token read
     bool bFirstToken = false;  // set at the start of a line until its first token is classified
     int iWord = -1;            // for a statement or function token: its row among those words
+    LineTokens* pTokens = nullptr;  // the cuts kept for a line of sLine's text, if any
+    size_t uiNextCut = 0;           // where in them the next cut is likely to be
+
+    // The line being dispatched; SetLine sets it, so that what is kept of its cuts goes with it.
+    const CBString& Line() const { return sLine; }
+
+private:
+    friend void SetLine(TokenScan* p, const char* text, bool repeated);
+    CBString sLine;
 };
 
+// Makes text the line being dispatched, scanned from its start. The cuts of a line read again and
+// again (repeated: the reader serves it from what it keeps) are kept by the line's text, so that
+// the next line of the same text gets each token without scanning and classifying it again: the
+// cut depends on nothing but the text, the position and bFirstToken.
+void SetLine(TokenScan* p, const char* text, bool repeated);
+// Turns the keeping of cuts on or off; off, every token is scanned afresh.
+void KeepTokens(bool on);
+
 bool GetNextToken(TokenScan* p);
+// Cuts the reference that starts at the scan position (ReferenceEnd's cut) and classifies it: the
+// first word of a line that begins with "&".
+void GetReferenceToken(TokenScan* p);
 // Where the token that starts at s ends: s is at the token's first byte (not a blank, not the end
 // of the text). The cut GetNextToken makes, for readers of script lines that keep no TokenScan.
 const char* TokenEnd(const char* s);

@@ -300,10 +300,13 @@ const char* ScriptReader::GetLine() {
         auto it = aLines.find(lOffset);
         if (it != aLines.end() && lOffset + it->second.lLength <= lBlockStart + lBlockLength) {
             lOffset += it->second.lLength;
+            bLineRepeated = true;
             return Count(it->second.sText.c_str());
         }
     }
-    return Assemble();
+    const char* line = Assemble();
+    bLineRepeated = bBlockKept;
+    return line;
 }
 
 // Where every line from the top to the end lies, as reading them one by one would cut them, and

@@ -49,6 +49,9 @@ public:
     // its first non-blank character, or null at the end of the script (nothing else changes then).
     // A read error ends the run with the system's message and the error number as status.
     const char* GetLine();
+    // Whether the last line GetLine gave lies in a block read before: a line likely to be read
+    // again, worth keeping more of.
+    bool LineRepeated() const { return bLineRepeated; }
     // The last line read, trimmed.
     const char* Line() const { return pszLine; }
     // The offset of the next line, and of the start of the last line read.
@@ -122,6 +125,7 @@ private:
     const char* pBlock = nullptr;
     long lBlockStart = 0;
     long lBlockLength = 0;
+    bool bLineRepeated = false;
     bool bBlockKept = false;         // the block held is one of aBlocks, so its lines may be kept
     unsigned uiBlockGeneration = 0;  // uiGeneration when the block held was read
     bool bEof = false;               // the end was met; only a repositioning reads again

@@ -55,7 +55,7 @@ void SetEnvironment(CBString& text) {
 
 void RunCommandLine(Parser* p) {
     p->eTokenType = TokenCommand;
-    CBString command = Expand(p->sLine);
+    CBString command = Expand(p->Line());
     SkipLine(p);
     if (strncasecmp(command, "set ", 4) == 0) {
         SetEnvironment(command);
@@ -108,8 +108,7 @@ void _Parse_Line(Parser* p, const char* line) {
 
     while (*line && chars::IsSpace(*line)) ++line;
     if (*line == '\0' || *line == ';') return;
-    p->sLine = line;
-    p->pPos = p->sLine.data();
+    SetLine(p, line, p->pScript->LineRepeated());
 
     while (*p->pPos) {
         p->sToken.clear();
@@ -155,11 +154,8 @@ void _Parse_Line(Parser* p, const char* line) {
         }
 
         if (c == '&') {
-            const char* e = ReferenceEnd(s);
-            p->sToken.assign(s, static_cast<size_t>(e - s));
-            p->pPos = e;
             p->bFirstToken = false;
-            p->eTokenType = GetTokenType(p);
+            GetReferenceToken(p);
             TraceToken(p);
             switch (p->eTokenType) {
                 case TokenVar: VariableLine(p); continue;

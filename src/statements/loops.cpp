@@ -77,8 +77,7 @@ void _Restart_Loop(Parser* p) {
     script->Seek(static_cast<long>(GetBlockCharPos()));
     // Traced under the number that follows the closing line's; corrected to the head's below.
     const char* line = script->GetLine();
-    p->sLine = line ? line : "";
-    p->pPos = p->sLine.data();
+    SetLine(p, line ? line : "", script->LineRepeated());
     script->iLine = static_cast<int>(GetBlockLinePos());
 }
 

@@ -51,6 +51,31 @@ TEST(KeywordTable, EachTableKeepsItsOwnRows) {
     EXPECT_EQ(b.Find("&ab"), -1);
 }
 
+// The lookup of a text of known length answers as the table order and strcasecmp say.
+TEST(KeywordTable, AsAScanWithStrcasecmp) {
+    std::mt19937 random(11);
+    const char letters[] = "&aAeEfFiInNoOrRtTlL$\xc3\xa9";
+    for (const KeywordTable* t : {&kStatementWords, &kFunctionWords}) {
+        for (int i = 0; i < 20000; ++i) {
+            std::string text;
+            if (random() % 2) {
+                text = t->Name(static_cast<int>(random() % static_cast<unsigned>(t->Size())));
+                for (char& c : text)
+                    if (random() % 2) c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
+                if (random() % 4 == 0) text.pop_back();
+            } else {
+                size_t length = random() % 9;
+                for (size_t k = 0; k < length; ++k) text += letters[random() % (sizeof letters - 1)];
+            }
+            int want = -1;
+            for (int row = 0; row < t->Size() && want < 0; ++row)
+                if (strcasecmp(t->Name(row), text.c_str()) == 0) want = row;
+            EXPECT_EQ(t->Find(text.c_str(), text.size()), want) << text;
+            EXPECT_EQ(t->Find(text.c_str()), want) << text;
+        }
+    }
+}
+
 TEST(KeywordTable, FirstMatchInTableOrder) {
     const char* const names[] = {"&one", "&ONE", "&two", nullptr};
     KeywordTable t(names);

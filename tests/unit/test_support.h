@@ -91,10 +91,7 @@ public:
     Context& operator=(const Context&) = delete;
 
     // Points the scanner at a line of text, as dispatch does.
-    void SetLine(const char* line) {
-        p.sLine = line;
-        p.pPos = p.sLine.data();
-    }
+    void SetLine(const char* line) { ::SetLine(&p, line, false); }
 
     // Evaluates an expression the way a statement does: first token read, then Evaluate.
     Const Eval(const char* expression, bool condition = false) {

@@ -14,8 +14,7 @@ std::string Cut(const char* s) { return std::string(s, static_cast<size_t>(Token
 // Every token of a line as GetNextToken cuts it, ";" included.
 std::vector<std::string> ScanTokens(const char* line) {
     TokenScan scan;
-    scan.sLine = line;
-    scan.pPos = scan.sLine.data();
+    SetLine(&scan, line, false);
     std::vector<std::string> out;
     for (;;) {
         const char* s = scan.pPos;

@@ -56,7 +56,7 @@ protected:
     }
 
     // Offset of the scan position in the current line.
-    long Offset() const { return static_cast<long>(ctx.p.pPos - ctx.p.sLine.data()); }
+    long Offset() const { return static_cast<long>(ctx.p.pPos - ctx.p.Line().data()); }
 
     kvtest::Context ctx;
 };
@@ -516,6 +516,91 @@ TEST_F(Tokenizer, ExtractFirstWord) {
     EXPECT_EQ(ExtractFirstWord("word"), "word");
     EXPECT_EQ(ExtractFirstWord("&ELSEIF\t0"), "&ELSEIF");
     EXPECT_EQ(ExtractFirstWord(""), "");
+}
+
+// ---- Kept cuts ------------------------------------------------------------------------------
+
+// One step of a scan, and what it saw.
+struct Seen {
+    TokenType eType;
+    std::string sToken;
+    long lPos;
+    int iWord;
+    bool operator==(const Seen& o) const {
+        return eType == o.eType && sToken == o.sToken && lPos == o.lPos && iWord == o.iWord;
+    }
+};
+
+std::ostream& operator<<(std::ostream& os, const Seen& s) {
+    return os << aszTokenTypes[s.eType] << " \"" << s.sToken << "\" at " << s.lPos << " word " << s.iWord;
+}
+
+// Scans a line as a statement might: tokens, references where a "&" starts, the first-token flag
+// turned on and off, blanks skipped and the rest of the line dropped, chosen by the seed.
+std::vector<Seen> Scan(const std::string& line, bool repeated, unsigned seed) {
+    TokenScan p;
+    p.iWord = 7;
+    SetLine(&p, line.c_str(), repeated);
+    std::vector<Seen> seen;
+    for (int step = 0; step < 40; ++step) {
+        seed = seed * 1103515245u + 12345u;
+        unsigned choice = (seed >> 16) % 16;
+        if (choice == 0) p.bFirstToken = !p.bFirstToken;
+        if (choice == 1) skip_spaces(&p);
+        if (choice == 2 && step > 20) SkipLine(&p);
+        if (choice == 3 && *p.pPos == '&')
+            GetReferenceToken(&p);
+        else
+            GetNextToken(&p);
+        seen.push_back(Seen{p.eTokenType, p.sToken.str(), static_cast<long>(p.pPos - p.Line().data()), p.iWord});
+        if (p.eTokenType == TokenEol && choice > 12) break;
+    }
+    return seen;
+}
+
+TEST_F(Tokenizer, KeptCutsGiveWhatScanningGives) {
+    const char* const pieces[] = {"&IF",  "&if",  "&n",   "&&x",     "&GOTO", "again:", "a:",    "=",   "==",
+                                  "<>",   "<",    "<=",   ">=",      "!=",    "!",     "1",     "2.5", ".5",
+                                  "1.2.3", "\"q\"", "\"a\"\"b\"", "\"open", "&CAT", "&SYSTEM", "(",  ")",   ",",
+                                  "[",    "]",    ";",    "; rest",  "+",     "-",     "*",     "/",   "&",
+                                  "|",    "^",    "%",    "word",    "/bin/x", "\\",   "#",     "&1",  "x&y",
+                                  "\t",   "  ",   "é",    "&ÉTÉ",    "a.b",   "_u"};
+    const size_t count = sizeof pieces / sizeof *pieces;
+    KeepTokens(true);
+    unsigned seed = 12345;
+    for (int n = 0; n < 3000; ++n) {
+        std::string line;
+        seed = seed * 1103515245u + 12345u;
+        int words = static_cast<int>((seed >> 16) % 9);
+        for (int w = 0; w < words; ++w) {
+            seed = seed * 1103515245u + 12345u;
+            line += pieces[(seed >> 16) % count];
+            seed = seed * 1103515245u + 12345u;
+            if ((seed >> 16) % 3) line += ' ';
+        }
+        const std::vector<Seen> plain = Scan(line, false, seed);
+        // Kept: the first scan makes the cuts, later ones (other paths through the line) reuse them.
+        for (unsigned pass = 0; pass < 3; ++pass) {
+            unsigned path = pass == 2 ? seed ^ 0x5555u : seed;
+            const std::vector<Seen> want = pass == 2 ? Scan(line, false, path) : plain;
+            ASSERT_EQ(Scan(line, true, path), want) << "line \"" << line << "\" pass " << pass;
+        }
+    }
+    KeepTokens(false);
+}
+
+TEST_F(Tokenizer, KeptCutsFollowTheTextNotItsPlace) {
+    KeepTokens(true);
+    TokenScan p;
+    SetLine(&p, "&IF 1 &GOTO x", true);
+    ASSERT_TRUE(GetNextToken(&p));
+    EXPECT_EQ(p.eTokenType, TokenStatement);
+    // Another text of the same length, very likely in the same buffer: its own cuts.
+    SetLine(&p, "abc 1 &GOTO x", true);
+    ASSERT_TRUE(GetNextToken(&p));
+    EXPECT_EQ(p.sToken.str(), "abc");
+    EXPECT_EQ(p.eTokenType, TokenString);
+    KeepTokens(false);
 }
 
 TEST_F(Tokenizer, SkipSpaces) {
