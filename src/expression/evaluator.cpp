@@ -72,14 +72,14 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             Settle(p, st);
             break;
         case TokenInteger: {
-            long v = IntegerValue(p->sToken);
+            long v = CurrentIntegerValue(p);
             PushInteger(p, st.bNegate ? -v : v);
             st.bNegate = false;
             Settle(p, st);
             break;
         }
         case TokenFloat: {
-            double d = FloatValue(p->sToken);
+            double d = CurrentFloatValue(p);
             PushDouble(p, st.bNegate ? -d : d);
             st.bNegate = false;
             Settle(p, st);
@@ -105,7 +105,7 @@ bool OperandStep(Parser* p, Const* result, State& st, Step& step) {
             break;
         case TokenEndGroup: step = Step::Operator; return true;
         case TokenVar: {
-            Variable* v = GetVar(p->sToken);
+            Variable* v = GetTokenVar(p);
             Push(p, &v->value);
             if (!st.bAppliedOnPassedOver) st.bMinusAllowed = true;
             Settle(p, st);

@@ -57,5 +57,5 @@ void Pop(Parser* p, Const* out) {
     out->eType = v.eType;
     out->iValue = v.iValue;
     out->dValue = v.dValue;
-    out->sValue = v.sValue;
+    if (out->sValue != v.sValue) out->sValue = v.sValue;  // most often both empty
 }

@@ -1,4 +1,6 @@
 // Variable substitution: references replaced by their values, and the line expansion.
+#include <cstring>
+
 #include "variables.h"
 
 CBString SubstVarValue(CBString text, int position) {
@@ -41,6 +43,13 @@ CBString Expand(const char* text) {
     bool quoted = false;
     const char* s = text;
     while (*s) {
+        // Text without a comment mark, quote or reference is copied as a whole.
+        size_t plain = strcspn(s, ";\"&");
+        if (plain > 0) {
+            out.append(s, plain);
+            s += plain;
+            continue;
+        }
         char c = *s;
         if (c == ';' && !quoted) break;
         if (c == '"') {

@@ -40,6 +40,9 @@ struct FoldedEqual {
     bool operator()(const char* a, const char* b) const { return chars::EqualFolded(a, b); }
 };
 bool bIndexed = false;
+// Counts the tables InitVariables made: a variable kept with a token belongs to one of them. A
+// table never loses a variable, so the one a name finds stays the one it finds.
+uint64_t uiTableGeneration = 0;
 std::unordered_map<const char*, Variable*, FoldedHash, FoldedEqual> aVarIndex;
 
 void Grow() {
@@ -50,6 +53,7 @@ void Grow() {
 }  // namespace
 
 void InitVariables(bool index) {
+    ++uiTableGeneration;
     bIndexed = index;
     aVarIndex.clear();
     aVarBlocks.clear();
@@ -96,6 +100,19 @@ Variable* GetVar(const CBString& name) {
     return AddVar(name);
 }
 
+Variable* GetTokenVar(Parser* p) {
+    TokenNote* note = CurrentNote(p);
+    if (note && note->pBound && note->uiGeneration == uiTableGeneration)
+        return static_cast<Variable*>(note->pBound);
+    // GetVar uses the name as given (see there): the variable depends on nothing but the text.
+    Variable* v = GetVar(p->sToken);
+    if (note) {
+        note->pBound = v;
+        note->uiGeneration = uiTableGeneration;
+    }
+    return v;
+}
+
 void SetIntegerVar(const char* name, int value) {
     Variable* v = AddVar(name);
     v->value.eType = VarInteger;
@@ -118,11 +135,11 @@ void GetValue(Parser* p, Const* out) {
     switch (p->eTokenType) {
         case TokenInteger:
             out->eType = VarInteger;
-            out->iValue = Int16(IntegerValue(p->sToken));
+            out->iValue = Int16(CurrentIntegerValue(p));
             break;
         case TokenFloat:
             out->eType = VarFloat;
-            out->dValue = FloatValue(p->sToken);
+            out->dValue = CurrentFloatValue(p);
             break;
         case TokenString:
             out->eType = VarString;

@@ -18,6 +18,8 @@ Variable* FindVar(const char* name);
 Variable* AddVar(const char* name);
 // Finds the variable, creating it when there is none: it never fails.
 Variable* GetVar(const CBString& name);
+// GetVar of the current token (a reference); the variable a kept token names is kept with it.
+Variable* GetTokenVar(Parser* p);
 void SetIntegerVar(const char* name, int value);
 void SetDoubleVar(const char* name, double value);
 void SetStringVar(const char* name, const char* value);

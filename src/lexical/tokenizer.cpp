@@ -161,6 +161,7 @@ struct Cut {
     uint32_t uiNext;
     TokenType eType;
     int iWord;
+    std::unique_ptr<TokenNote> pNote;  // for a token of the line's own text
 };
 
 struct LineTokens {
@@ -179,10 +180,44 @@ size_t uiKeptBytes = 0;
 constexpr size_t kMaxKeptLines = 1u << 16;
 constexpr size_t kMaxKeptBytes = size_t{16} << 20;
 
+// Lines the reader keeps come back at the same address: a small table by address finds their
+// cuts without hashing the text (the text is still compared).
+struct Recent {
+    const char* pText = nullptr;
+    LineTokens* pTokens = nullptr;
+};
+Recent aRecent[64];
+
 bool Before(const Cut& c, uint32_t from, bool reference, bool first) {
     if (c.uiFrom != from) return c.uiFrom < from;
     if (c.bReference != reference) return c.bReference < reference;
     return c.bFirst < first;
+}
+
+void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
+    const Cut& c = lt->aCuts[i];
+    const char* base = p->Line().data();
+    if (c.iRewritten >= 0)
+        p->sToken = lt->asRewritten[static_cast<size_t>(c.iRewritten)];
+    else
+        p->sToken.assign(base + c.uiStart, c.uiEnd - c.uiStart);
+    p->pPos = base + c.uiNext;
+    p->eTokenType = c.eType;
+    if (c.bSetsWord) p->iWord = c.iWord;
+    p->uiNextCut = i + 1;
+    p->pNote = c.pNote.get();
+}
+
+// Whether the cut the scan most likely wants next is the one it wants; if so, replays it.
+bool ReplayExpected(TokenScan* p, bool reference) {
+    const LineTokens* lt = p->pTokens;
+    const size_t i = p->uiNextCut;
+    if (i >= lt->aCuts.size() || p->Line().str().size() != lt->sText.size()) return false;
+    const Cut& c = lt->aCuts[i];
+    if (p->Line().data() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken)
+        return false;
+    Replay(p, lt, i);
+    return true;
 }
 
 // The kept cut for the scan as it stands, or a new one made by cut(p), the plain way.
@@ -192,6 +227,7 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
     const char* base = p->Line().data();
     size_t offset = static_cast<size_t>(p->pPos - base);
     if (!lt || p->Line().str().size() != lt->sText.size() || p->pPos < base || offset > lt->sText.size()) {
+        p->pNote = nullptr;
         cut(p);
         return;
     }
@@ -226,24 +262,20 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
             } else if (own) {
                 c.uiStart = static_cast<uint32_t>(own - base);
                 c.uiEnd = c.uiStart + static_cast<uint32_t>(length);
+                c.pNote = std::make_unique<TokenNote>();
+                c.pNote->pText = lt->sText.data() + c.uiStart;
+                c.pNote->uiLength = length;
             } else {
                 c.iRewritten = static_cast<int32_t>(lt->asRewritten.size());
                 lt->asRewritten.push_back(p->sToken);
             }
-            cuts.insert(cuts.begin() + static_cast<std::ptrdiff_t>(i), c);
+            p->pNote = c.pNote.get();
+            cuts.insert(cuts.begin() + static_cast<std::ptrdiff_t>(i), std::move(c));
             p->uiNextCut = i + 1;
             return;
         }
     }
-    const Cut& c = cuts[i];
-    if (c.iRewritten >= 0)
-        p->sToken = lt->asRewritten[static_cast<size_t>(c.iRewritten)];
-    else
-        p->sToken.assign(base + c.uiStart, c.uiEnd - c.uiStart);
-    p->pPos = base + c.uiNext;
-    p->eTokenType = c.eType;
-    if (c.bSetsWord) p->iWord = c.iWord;
-    p->uiNextCut = i + 1;
+    Replay(p, lt, i);
 }
 
 void CutToken(TokenScan* p) {
@@ -273,15 +305,22 @@ void CutReference(TokenScan* p) {
 void KeepTokens(bool on) { bKeepTokens = on; }
 
 void SetLine(TokenScan* p, const char* text, bool repeated) {
-    p->sLine = text;
+    p->sLine.assign(text, strlen(text));
     p->pPos = p->sLine.data();
     p->pTokens = nullptr;
     p->uiNextCut = 0;
+    p->pNote = nullptr;
     if (!bKeepTokens || !repeated) return;
+    Recent& recent = aRecent[(reinterpret_cast<uintptr_t>(text) >> 3) % (sizeof aRecent / sizeof *aRecent)];
+    if (recent.pText == text && recent.pTokens->sText == p->sLine.str()) {
+        p->pTokens = recent.pTokens;
+        return;
+    }
     std::string_view key(p->sLine.str());
     auto it = mapLineTokens.find(key);
     if (it != mapLineTokens.end()) {
         p->pTokens = it->second.get();
+        recent = Recent{text, p->pTokens};
         return;
     }
     if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
@@ -289,21 +328,28 @@ void SetLine(TokenScan* p, const char* text, bool repeated) {
     kept->sText.assign(key);
     uiKeptBytes += key.size();
     p->pTokens = kept.get();
+    recent = Recent{text, p->pTokens};
     mapLineTokens.emplace(std::string_view(kept->sText), std::move(kept));
 }
 
 bool GetNextToken(TokenScan* p) {
+    if (p->pTokens && ReplayExpected(p, false)) {
+        if (p->bDebug) kavro::TermPrintf("token type = %s|%s|\r", aszTokenTypes[p->eTokenType], p->sToken.data());
+        return true;
+    }
     const char* s = p->pPos;
     while (*s && chars::IsSpace(*s)) ++s;
     if (*s == '\0') {
         p->sToken.clear();
         p->eTokenType = TokenEol;
+        p->pNote = nullptr;
         if (p->bDebug) kavro::TermPrintf("token type = %s|\r", aszTokenTypes[TokenEol]);
         return true;
     }
     if (p->pTokens) {
         CutThroughKept(p, false, CutToken);
     } else {
+        p->pNote = nullptr;
         const char* e = TokenEnd(s);
         p->sToken.assign(s, static_cast<size_t>(e - s));
         p->pPos = e;
@@ -314,10 +360,40 @@ bool GetNextToken(TokenScan* p) {
 }
 
 void GetReferenceToken(TokenScan* p) {
-    if (p->pTokens)
+    if (p->pTokens && ReplayExpected(p, true)) return;
+    if (p->pTokens) {
         CutThroughKept(p, true, CutReference);
-    else
+    } else {
+        p->pNote = nullptr;
         CutReference(p);
+    }
+}
+
+TokenNote* CurrentNote(TokenScan* p) {
+    TokenNote* n = p->pNote;
+    if (!n) return nullptr;
+    const std::string& t = p->sToken.str();
+    return t.size() == n->uiLength && memcmp(t.data(), n->pText, n->uiLength) == 0 ? n : nullptr;
+}
+
+long CurrentIntegerValue(TokenScan* p) {
+    TokenNote* n = CurrentNote(p);
+    if (!n) return IntegerValue(p->sToken);
+    if (!n->bInteger) {
+        n->lInteger = IntegerValue(p->sToken);
+        n->bInteger = true;
+    }
+    return n->lInteger;
+}
+
+double CurrentFloatValue(TokenScan* p) {
+    TokenNote* n = CurrentNote(p);
+    if (!n) return FloatValue(p->sToken);
+    if (!n->bFloat) {
+        n->dFloat = FloatValue(p->sToken);
+        n->bFloat = true;
+    }
+    return n->dFloat;
 }
 
 TokenType GetTokenType(TokenScan* p) {

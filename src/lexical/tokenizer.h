@@ -39,6 +39,20 @@ extern const char* const aszTokenTypes[];
 
 struct LineTokens;
 
+// What a layer above works out of a token once, kept with a kept cut: the variable a reference
+// names (pBound, valid while uiGeneration is that layer's own), a number's value. Each is a
+// function of the token's text, which is the cut's own.
+struct TokenNote {
+    const char* pText = nullptr;  // the token, in the kept line's text
+    size_t uiLength = 0;
+    void* pBound = nullptr;
+    uint64_t uiGeneration = 0;
+    bool bInteger = false;
+    bool bFloat = false;
+    long lInteger = 0;
+    double dFloat = 0.0;
+};
+
 // The scan of the line being dispatched: the line, the position in it and the current token.
 struct TokenScan {
     TokenType eTokenType = NotAToken;
@@ -49,6 +63,7 @@ struct TokenScan {
     int iWord = -1;            // for a statement or function token: its row among those words
     LineTokens* pTokens = nullptr;  // the cuts kept for a line of sLine's text, if any
     size_t uiNextCut = 0;           // where in them the next cut is likely to be
+    TokenNote* pNote = nullptr;     // the note of the last token cut through them, if any
 
     // The line being dispatched; SetLine sets it, so that what is kept of its cuts goes with it.
     const CBString& Line() const { return sLine; }
@@ -67,6 +82,14 @@ void SetLine(TokenScan* p, const char* text, bool repeated);
 void KeepTokens(bool on);
 
 bool GetNextToken(TokenScan* p);
+// The note of the current token: there is one when the token was cut from a kept line and is
+// the same text still; else null.
+TokenNote* CurrentNote(TokenScan* p);
+// The value of the current token, an integer or a float token (IntegerValue, FloatValue), worked
+// out once for a kept cut.
+long CurrentIntegerValue(TokenScan* p);
+double CurrentFloatValue(TokenScan* p);
+
 // Cuts the reference that starts at the scan position (ReferenceEnd's cut) and classifies it: the
 // first word of a line that begins with "&".
 void GetReferenceToken(TokenScan* p);

@@ -31,6 +31,8 @@ constexpr long long kSettleNs = 0;
 // While nothing else ran, the file is checked again no more often than this (on the coarse
 // clock, which moves in ticks of a few milliseconds).
 constexpr long long kRecheckNs = 1'000'000;
+// At most this many label lines are kept with their text.
+constexpr size_t kKeptLabelLines = 4096;
 
 long long Nanoseconds(clockid_t clock) {
     struct timespec t;
@@ -250,6 +252,7 @@ void ScriptReader::Forget() {
     bIndexed = false;
     aOrder.clear();
     aLabels.clear();
+    aLabelLines.clear();
 }
 
 const char* ScriptReader::Count(const char* text) {
@@ -361,6 +364,11 @@ void ScriptReader::LoadLine(long start, long length) {
         pszLine = known->second.sText.c_str();
         return;
     }
+    auto label = aLabelLines.find(start);
+    if (label != aLabelLines.end()) {
+        pszLine = label->second.c_str();
+        return;
+    }
     long n = 0;
     while (n < length) {
         long blockStart = (start + n) & ~(kBlockSize - 1);
@@ -379,6 +387,8 @@ void ScriptReader::LoadLine(long start, long length) {
     while (*s && chars::IsSpace(*s)) ++s;
     kavro::stripspace(s);
     pszLine = s;
+    // Kept for the next jump to it while the file stays as it is (Forget drops them).
+    if (aLabelLines.size() < kKeptLabelLines) pszLine = aLabelLines.emplace(start, s).first->second.c_str();
 }
 
 bool ScriptReader::FindLabel(const char* target) {
@@ -397,11 +407,16 @@ bool ScriptReader::FindLabel(const char* target) {
         if (from != aOrder.end() && from->lStart == lOffset) {
             size_t first = static_cast<size_t>(from - aOrder.begin());
             size_t found = aOrder.size();
-            std::string folded = FoldedFirstWord(target);
-            auto label = aLabels.find(folded);
-            if (label != aLabels.end() && folded.size() == strlen(target)) {
-                auto at = std::lower_bound(label->second.begin(), label->second.end(), first);
-                if (at != label->second.end()) found = *at;
+            if (uiLastLabelGeneration != uiGeneration || sLastLabel != target) {
+                std::string folded = FoldedFirstWord(target);
+                auto label = aLabels.find(folded);
+                pLastLabelRows = label != aLabels.end() && folded.size() == strlen(target) ? &label->second : nullptr;
+                sLastLabel = target;
+                uiLastLabelGeneration = uiGeneration;
+            }
+            if (const std::vector<size_t>* rows = pLastLabelRows) {
+                auto at = std::lower_bound(rows->begin(), rows->end(), first);
+                if (at != rows->end()) found = *at;
             }
             if (found == aOrder.size()) {
                 // Every line to the end is read, and counted.

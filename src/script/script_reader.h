@@ -147,6 +147,7 @@ private:
     std::unordered_set<long> aReadOnce;           // blocks read once: kept when read again
     std::unordered_map<long, KeptBlock> aBlocks;  // by start offset
     std::unordered_map<long, KeptLine> aLines;    // by start offset
+    std::unordered_map<long, std::string> aLabelLines;  // label lines jumped to, trimmed, by start
     // The label index: where every line from offset 0 to the end lies, in order, and the lines
     // whose first word ends in ":" by that word folded.
     struct PlacedLine {
@@ -157,4 +158,9 @@ private:
     bool bIndexed = false;
     std::vector<PlacedLine> aOrder;
     std::unordered_map<std::string, std::vector<size_t>> aLabels;
+    // The label last looked up, as given, and its rows in aOrder (null: none): a loop jumps to
+    // the same label again and again. Valid while uiGeneration is uiLastLabelGeneration.
+    std::string sLastLabel;
+    const std::vector<size_t>* pLastLabelRows = nullptr;
+    unsigned uiLastLabelGeneration = ~0u;
 };

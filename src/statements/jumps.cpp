@@ -1,5 +1,7 @@
 // &GOTO, &CALL, &RETURN, &SKIP and the stray &END. A jump finds its label through the script
 // reader: the first line, from where the search starts, whose first word is the label with ":".
+#include <cstring>
+
 #include "blocks.h"
 #include "diagnostics.h"
 #include "statements.h"
@@ -9,8 +11,11 @@ namespace {
 
 CBString LabelTarget(Parser* p) {
     GetNextToken(p);
-    p->sToken = Expand(p->sToken);
-    return p->sToken + ":";
+    // A name without a reference, quote or comment mark expands to itself.
+    if (strpbrk(p->sToken, "&\";")) p->sToken = Expand(p->sToken);
+    CBString target = p->sToken;
+    target += ':';
+    return target;
 }
 
 }  // namespace

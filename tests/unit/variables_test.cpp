@@ -266,4 +266,64 @@ TEST_F(Variables, GetValueOfOtherTokensIsASyntaxError) {
     EXPECT_REPORT_EXIT((ctx.SetLine("5."), GetNextToken(&ctx.p), GetValue(&ctx.p, &c)), 255, report);
 }
 
+// ---- Variables kept with kept tokens ------------------------------------------------------------
+
+// The scanner on a line read again and again, its cuts and notes kept.
+class KeptVariables : public Variables {
+protected:
+    void SetUp() override { KeepTokens(true); }
+    void TearDown() override { KeepTokens(false); }
+
+    // The variable the first token of line names, as an expression finds it.
+    Variable* Named(const char* line) {
+        ::SetLine(&ctx.p, line, true);
+        GetNextToken(&ctx.p);
+        return GetTokenVar(&ctx.p);
+    }
+};
+
+TEST_F(KeptVariables, AKeptTokenFindsItsVariableAgain) {
+    Variable* first = Named("&kept + 1");
+    EXPECT_EQ(first, FindVar("&kept"));
+    EXPECT_EQ(Named("&kept + 1"), first);
+    EXPECT_NE(CurrentNote(&ctx.p), nullptr);  // the second time through what was kept
+    EXPECT_EQ(Named("&KEPT + 1"), first);     // another text, the same variable
+}
+
+// A new table has new variables: what was kept with a token of the old one is not used.
+TEST_F(KeptVariables, ANewTableIsNotAnsweredFromTheOldOne) {
+    Variable* old = Named("&fresh");
+    old->value.eType = VarInteger;
+    old->value.iValue = 5;
+    InitVariables();
+    Variable* now = Named("&fresh");
+    EXPECT_EQ(now, FindVar("&fresh"));
+    EXPECT_EQ(now->value.eType, VarUndef);
+}
+
+// A name with a reference inside is a name as it stands, whatever the other variable holds.
+TEST_F(KeptVariables, ANameHoldingAReferenceIsItsOwnName) {
+    SetStringVar("&b", "&c");
+    Variable* whole = Named("&&b");
+    EXPECT_EQ(whole, FindVar("&&b"));
+    EXPECT_EQ(FindVar("&c"), nullptr);
+    SetStringVar("&b", "&d");
+    EXPECT_EQ(Named("&&b"), whole);
+}
+
+// Numbers are converted once, and the same as without keeping.
+TEST_F(KeptVariables, NumbersKeptWithTheirTokens) {
+    for (int pass = 0; pass < 2; ++pass) {
+        ::SetLine(&ctx.p, "12 2.5", true);
+        GetNextToken(&ctx.p);
+        EXPECT_EQ(CurrentIntegerValue(&ctx.p), 12);
+        GetNextToken(&ctx.p);
+        EXPECT_EQ(CurrentFloatValue(&ctx.p), 2.5);
+    }
+    // The token changed since it was cut: no note, converted as it now reads.
+    ctx.p.sToken = "7.25";
+    EXPECT_EQ(CurrentNote(&ctx.p), nullptr);
+    EXPECT_EQ(CurrentFloatValue(&ctx.p), 7.25);
+}
+
 }  // namespace
