@@ -3,11 +3,13 @@
 // blocks left open: a script that ends inside one ends normally.
 #include "blocks.h"
 
-#include <vector>
+#include <deque>
 
 namespace {
 
-std::vector<CBlock> aBlocks;
+// A deque: it grows by chunks, never copying what it holds to a larger place (a vector doubling
+// would hold the old and the new copy at once).
+std::deque<CBlock> aBlocks;
 
 }  // namespace
 

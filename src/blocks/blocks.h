@@ -16,12 +16,14 @@ enum BlockType : int32_t {
 };
 
 // One open block: kind, loop-variable type, opening line and the file offset to come back to.
+// Twelve bytes: a &CALL leaves its entry behind, so a script may hold very many.
 struct CBlock {
-    BlockType eType;
-    XVarType eVarType;
+    BlockType eType : 8;
+    XVarType eVarType : 8;
     uint32_t uiLinePos;
     uint32_t uiCharPos;
 };
+static_assert(sizeof(CBlock) == 12, "a block entry stays small");
 
 CBlock* PushBlock(BlockType type, XVarType varType, unsigned line, unsigned pos);
 // Removes the top entry and returns its variable type; an empty stack is left as it is (0).

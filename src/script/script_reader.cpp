@@ -391,6 +391,18 @@ void ScriptReader::LoadLine(long start, long length) {
     if (aLabelLines.size() < kKeptLabelLines) pszLine = aLabelLines.emplace(start, s).first->second.c_str();
 }
 
+const std::vector<size_t>* ScriptReader::LabelRows(const char* target) {
+    for (const RecentLabel& r : aRecentLabels)
+        if (r.uiGeneration == uiGeneration && r.sName == target) return r.pRows;
+    std::string folded = FoldedFirstWord(target);
+    auto label = aLabels.find(folded);
+    RecentLabel& r = aRecentLabels[uiNextRecentLabel++ % (sizeof aRecentLabels / sizeof *aRecentLabels)];
+    r.pRows = label != aLabels.end() && folded.size() == strlen(target) ? &label->second : nullptr;
+    r.sName = target;
+    r.uiGeneration = uiGeneration;
+    return r.pRows;
+}
+
 bool ScriptReader::FindLabel(const char* target) {
     // The index tells where lines lie in the file as it is now; it serves only while the block
     // held was read from the file as it is now too (a block read before the file changed is
@@ -407,14 +419,7 @@ bool ScriptReader::FindLabel(const char* target) {
         if (from != aOrder.end() && from->lStart == lOffset) {
             size_t first = static_cast<size_t>(from - aOrder.begin());
             size_t found = aOrder.size();
-            if (uiLastLabelGeneration != uiGeneration || sLastLabel != target) {
-                std::string folded = FoldedFirstWord(target);
-                auto label = aLabels.find(folded);
-                pLastLabelRows = label != aLabels.end() && folded.size() == strlen(target) ? &label->second : nullptr;
-                sLastLabel = target;
-                uiLastLabelGeneration = uiGeneration;
-            }
-            if (const std::vector<size_t>* rows = pLastLabelRows) {
+            if (const std::vector<size_t>* rows = LabelRows(target)) {
                 auto at = std::lower_bound(rows->begin(), rows->end(), first);
                 if (at != rows->end()) found = *at;
             }

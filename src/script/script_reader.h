@@ -158,9 +158,14 @@ private:
     bool bIndexed = false;
     std::vector<PlacedLine> aOrder;
     std::unordered_map<std::string, std::vector<size_t>> aLabels;
-    // The label last looked up, as given, and its rows in aOrder (null: none): a loop jumps to
-    // the same label again and again. Valid while uiGeneration is uiLastLabelGeneration.
-    std::string sLastLabel;
-    const std::vector<size_t>* pLastLabelRows = nullptr;
-    unsigned uiLastLabelGeneration = ~0u;
+    // The labels last looked up, as given, and their rows in aOrder (null: none): a loop jumps
+    // to the same few labels again and again. Each is valid while uiGeneration is its own.
+    struct RecentLabel {
+        std::string sName;
+        const std::vector<size_t>* pRows = nullptr;
+        unsigned uiGeneration = ~0u;
+    };
+    RecentLabel aRecentLabels[4];
+    size_t uiNextRecentLabel = 0;
+    const std::vector<size_t>* LabelRows(const char* target);
 };
