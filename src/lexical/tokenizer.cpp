@@ -187,6 +187,12 @@ struct Recent {
     LineTokens* pTokens = nullptr;
 };
 Recent aRecent[64];
+// Lines named by a serial number (see SetLine), by that number.
+struct BySerial {
+    uint64_t uiSerial = 0;
+    LineTokens* pTokens = nullptr;
+};
+BySerial aBySerial[256];
 
 bool Before(const Cut& c, uint32_t from, bool reference, bool first) {
     if (c.uiFrom != from) return c.uiFrom < from;
@@ -304,32 +310,42 @@ void CutReference(TokenScan* p) {
 
 void KeepTokens(bool on) { bKeepTokens = on; }
 
-void SetLine(TokenScan* p, const char* text, bool repeated) {
-    p->sLine.assign(text, strlen(text));
-    p->pPos = p->sLine.data();
+void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
     p->pTokens = nullptr;
     p->uiNextCut = 0;
     p->pNote = nullptr;
+    BySerial* bySerial = nullptr;
+    if (bKeepTokens && repeated && serial != 0) {
+        bySerial = &aBySerial[serial % (sizeof aBySerial / sizeof *aBySerial)];
+        if (bySerial->uiSerial == serial) {
+            p->sLine.assign(text, bySerial->pTokens->sText.size());
+            p->pPos = p->sLine.data();
+            p->pTokens = bySerial->pTokens;
+            return;
+        }
+    }
+    p->sLine.assign(text, strlen(text));
+    p->pPos = p->sLine.data();
     if (!bKeepTokens || !repeated) return;
     Recent& recent = aRecent[(reinterpret_cast<uintptr_t>(text) >> 3) % (sizeof aRecent / sizeof *aRecent)];
     if (recent.pText == text && recent.pTokens->sText == p->sLine.str()) {
         p->pTokens = recent.pTokens;
-        return;
-    }
-    std::string_view key(p->sLine.str());
-    auto it = mapLineTokens.find(key);
-    if (it != mapLineTokens.end()) {
-        p->pTokens = it->second.get();
+    } else {
+        std::string_view key(p->sLine.str());
+        auto it = mapLineTokens.find(key);
+        if (it != mapLineTokens.end()) {
+            p->pTokens = it->second.get();
+        } else {
+            if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
+            auto kept = std::make_unique<LineTokens>();
+            kept->sText.assign(key);
+            uiKeptBytes += key.size();
+            p->pTokens = kept.get();
+            mapLineTokens.emplace(std::string_view(kept->sText), std::move(kept));
+        }
         recent = Recent{text, p->pTokens};
-        return;
     }
-    if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
-    auto kept = std::make_unique<LineTokens>();
-    kept->sText.assign(key);
-    uiKeptBytes += key.size();
-    p->pTokens = kept.get();
-    recent = Recent{text, p->pTokens};
-    mapLineTokens.emplace(std::string_view(kept->sText), std::move(kept));
+    if (bySerial) *bySerial = BySerial{serial, p->pTokens};
 }
 
 bool GetNextToken(TokenScan* p) {

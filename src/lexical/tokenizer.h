@@ -38,6 +38,15 @@ enum TokenType : int32_t {
 extern const char* const aszTokenTypes[];
 
 struct LineTokens;
+struct TokenScan;
+
+// Makes text the line being dispatched, scanned from its start. The cuts of a line read again and
+// again (repeated: the reader serves it from what it keeps) are kept by the line's text, so that
+// the next line of the same text gets each token without scanning and classifying it again: the
+// cut depends on nothing but the text, the position and bFirstToken. serial: where not 0, a
+// number that names text and no other (the reader's LineSerial), by which the cuts are found
+// without reading the text.
+void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial = 0);
 
 // What a layer above works out of a token once, kept with a kept cut: the variable a reference
 // names (pBound, valid while uiGeneration is that layer's own), a number's value. Each is a
@@ -69,15 +78,10 @@ struct TokenScan {
     const CBString& Line() const { return sLine; }
 
 private:
-    friend void SetLine(TokenScan* p, const char* text, bool repeated);
+    friend void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial);
     CBString sLine;
 };
 
-// Makes text the line being dispatched, scanned from its start. The cuts of a line read again and
-// again (repeated: the reader serves it from what it keeps) are kept by the line's text, so that
-// the next line of the same text gets each token without scanning and classifying it again: the
-// cut depends on nothing but the text, the position and bFirstToken.
-void SetLine(TokenScan* p, const char* text, bool repeated);
 // Turns the keeping of cuts on or off; off, every token is scanned afresh.
 void KeepTokens(bool on);
 

@@ -31,6 +31,8 @@ constexpr long long kSettleNs = 0;
 // While nothing else ran, the file is checked again no more often than this (on the coarse
 // clock, which moves in ticks of a few milliseconds).
 constexpr long long kRecheckNs = 1'000'000;
+// Numbers kept lines, in every reader of the process (see LineSerial).
+uint64_t uiKeptLineSerials = 0;
 // At most this many label lines are kept with their text.
 constexpr size_t kKeptLabelLines = 4096;
 
@@ -286,8 +288,10 @@ const char* ScriptReader::Assemble() {
     while (*s && chars::IsSpace(*s)) ++s;
     kavro::stripspace(s);
     if (oneKeptBlock && bKeep) {
-        auto kept = aLines.emplace(start, KeptLine{start, static_cast<long>(n), newline, s});
-        return Count(kept.first->second.sText.c_str());
+        auto kept = aLines.emplace(start, KeptLine{start, static_cast<long>(n), newline, s, ++uiKeptLineSerials});
+        uiLineSerial = kept.first->second.uiSerial;
+        pSerialLine = kept.first->second.sText.c_str();
+        return Count(pSerialLine);
     }
     return Count(s);
 }
@@ -299,12 +303,16 @@ const char* ScriptReader::GetLine() {
     kavro::TermFlushIfStale();
     lLinePos = lOffset;
     if (bEof) return nullptr;
+    uiLineSerial = 0;
+    pSerialLine = nullptr;
     if (bBlockKept) {
         auto it = aLines.find(lOffset);
         if (it != aLines.end() && lOffset + it->second.lLength <= lBlockStart + lBlockLength) {
             lOffset += it->second.lLength;
             bLineRepeated = true;
-            return Count(it->second.sText.c_str());
+            uiLineSerial = it->second.uiSerial;
+            pSerialLine = it->second.sText.c_str();
+            return Count(pSerialLine);
         }
     }
     const char* line = Assemble();

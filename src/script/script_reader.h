@@ -52,6 +52,10 @@ public:
     // Whether the last line GetLine gave lies in a block read before: a line likely to be read
     // again, worth keeping more of.
     bool LineRepeated() const { return bLineRepeated; }
+    // A number for the text of the last line GetLine gave when it is a kept line: the same each
+    // time that line is given again, never the number of another text (in any reader of the
+    // process); 0 for a line not kept.
+    uint64_t LineSerial() const { return pszLine == pSerialLine ? uiLineSerial : 0; }
     // The last line read, trimmed.
     const char* Line() const { return pszLine; }
     // The offset of the next line, and of the start of the last line read.
@@ -91,6 +95,7 @@ private:
         long lLength;
         bool bNewline;  // ended by a line feed (not cut at kLineSize - 1 or by the end)
         std::string sText;
+        uint64_t uiSerial;  // see LineSerial
     };
     struct KeptBlock {
         std::unique_ptr<char[]> pData;
@@ -126,6 +131,8 @@ private:
     long lBlockStart = 0;
     long lBlockLength = 0;
     bool bLineRepeated = false;
+    uint64_t uiLineSerial = 0;
+    const char* pSerialLine = nullptr;  // the line uiLineSerial names
     bool bBlockKept = false;         // the block held is one of aBlocks, so its lines may be kept
     unsigned uiBlockGeneration = 0;  // uiGeneration when the block held was read
     bool bEof = false;               // the end was met; only a repositioning reads again

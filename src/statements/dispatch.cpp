@@ -108,7 +108,8 @@ void _Parse_Line(Parser* p, const char* line) {
 
     while (*line && chars::IsSpace(*line)) ++line;
     if (*line == '\0' || *line == ';') return;
-    SetLine(p, line, p->pScript->LineRepeated());
+    const ScriptReader* script = p->pScript;
+    SetLine(p, line, script->LineRepeated(), line == script->Line() ? script->LineSerial() : 0);
 
     while (*p->pPos) {
         p->sToken.clear();

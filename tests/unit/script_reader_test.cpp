@@ -143,6 +143,49 @@ TEST_P(Reader, FindLabelLandsWhereReadingLands) {
     }
 }
 
+// A kept line has a number of its own, the same whenever it is given again; a line not kept, or
+// no longer the last line given, has none.
+TEST_P(Reader, KeptLinesAreNumberedForGood) {
+    Write("alpha\nbeta\nlabel:\n");
+    usleep(50000);  // a file changed within the last clock tick is not kept
+    ScriptReader r;
+    ASSERT_TRUE(r.Open(sPath.c_str(), GetParam()));
+    EXPECT_STREQ(r.GetLine(), "alpha");
+    EXPECT_EQ(r.LineSerial(), 0u);  // read once: nothing kept yet
+    r.Rewind();
+    EXPECT_STREQ(r.GetLine(), "alpha");
+    const uint64_t alpha = r.LineSerial();
+    EXPECT_STREQ(r.GetLine(), "beta");
+    const uint64_t beta = r.LineSerial();
+    for (int pass = 0; pass < 2; ++pass) {
+        r.Rewind();
+        EXPECT_STREQ(r.GetLine(), "alpha");
+        EXPECT_EQ(r.LineSerial(), alpha);
+        EXPECT_STREQ(r.GetLine(), "beta");
+        EXPECT_EQ(r.LineSerial(), beta);
+    }
+    if (GetParam()) {
+        EXPECT_NE(alpha, 0u);
+        EXPECT_NE(beta, 0u);
+        EXPECT_NE(alpha, beta);
+    } else {
+        EXPECT_EQ(alpha, 0u);
+        EXPECT_EQ(beta, 0u);
+    }
+    r.Rewind();
+    ASSERT_TRUE(r.FindLabel("label:"));
+    EXPECT_EQ(r.LineSerial(), 0u);  // the line now held is the label's, not a line given
+    // Another reader's lines are numbered apart.
+    ScriptReader other;
+    ASSERT_TRUE(other.Open(sPath.c_str(), GetParam()));
+    other.GetLine();
+    other.Rewind();
+    other.GetLine();
+    if (GetParam()) {
+        EXPECT_NE(other.LineSerial(), alpha);
+    }
+}
+
 TEST_P(Reader, ADirectoryIsRefused) {
     ScriptReader r;
     EXPECT_FALSE(r.Open("/tmp", GetParam()));
