@@ -52,12 +52,29 @@ bool PassedToOwner(int sig) {
     return pthread_kill(thOwner, sig) == 0;
 }
 
+// The signals a handler of the runtime catches now: what a command's process must set back to
+// their default before it runs its program, known without asking the system signal by signal.
+sigset_t setCaught;
+
+bool IsHandler(const struct sigaction& sa) {
+    return (sa.sa_flags & SA_SIGINFO) != 0 || (sa.sa_handler != SIG_DFL && sa.sa_handler != SIG_IGN);
+}
+
+void Restore(int sig, const struct sigaction& sa) {
+    sigaction(sig, &sa, nullptr);
+    if (IsHandler(sa))
+        sigaddset(&setCaught, sig);
+    else
+        sigdelset(&setCaught, sig);
+}
+
 void SetAction(int sig, void (*handler)(int), struct sigaction* old) {
     struct sigaction sa {};
     sa.sa_handler = handler;
     sa.sa_mask = setHandled;
     sa.sa_flags = SA_RESTART;
     sigaction(sig, &sa, old);
+    sigaddset(&setCaught, sig);
 }
 
 void SetDefault(int sig) {
@@ -65,6 +82,7 @@ void SetDefault(int sig) {
     sa.sa_handler = SIG_DFL;
     sigemptyset(&sa.sa_mask);
     sigaction(sig, &sa, nullptr);
+    sigdelset(&setCaught, sig);
 }
 
 [[noreturn]] void EndBySignal(int sig) {
@@ -177,6 +195,7 @@ void SignalsInit() {
     bOwnerGone = 0;
 
     sigemptyset(&setHandled);
+    sigemptyset(&setCaught);
     for (int sig : aEndingSignals) sigaddset(&setHandled, sig);
     sigaddset(&setHandled, SIGTSTP);
     sigaddset(&setHandled, SIGCONT);
@@ -212,6 +231,8 @@ void SignalsRelease(const sigset_t* saved) {
     pthread_sigmask(SIG_SETMASK, saved, nullptr);
 }
 
+void SignalsCaught(sigset_t* set) { *set = setCaught; }
+
 void SignalsRawInput(bool on) {
     if (on == bRawInput) return;
     bRawInput = on;
@@ -219,8 +240,8 @@ void SignalsRawInput(bool on) {
         if (!bStopIgnored) SetAction(SIGTSTP, OnStop, &saOldStop);
         SetAction(SIGCONT, OnContinue, &saOldContinue);
     } else {
-        if (!bStopIgnored) sigaction(SIGTSTP, &saOldStop, nullptr);
-        sigaction(SIGCONT, &saOldContinue, nullptr);
+        if (!bStopIgnored) Restore(SIGTSTP, saOldStop);
+        Restore(SIGCONT, saOldContinue);
     }
 }
 

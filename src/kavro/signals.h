@@ -28,6 +28,10 @@ public:
 void SignalsHold(sigset_t* saved);
 void SignalsRelease(const sigset_t* saved);
 
+// The signals the runtime catches now (interrupt and quit aside, which a command always gets at
+// their default): those a command's process sets back to their default.
+void SignalsCaught(sigset_t* set);
+
 // Raw input is on: a stop from the terminal, and the continue after it, are handled meanwhile.
 void SignalsRawInput(bool on);
 

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "kavro.h"
+#include "signals.h"
 
 extern char** environ;
 
@@ -220,7 +221,7 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
 // signal, and interrupt, quit and broken pipe, back to their default; the C library's own signals
 // ignored; an empty mask. That is what posix_spawn gives the shell, and the shell its commands.
 [[noreturn]] void LaunchChild(const char* program, char* const* argv, char* const* envp, int input,
-                              volatile int* pExecError) {
+                              const sigset_t& caught, volatile int* pExecError) {
     if (input == 0)
         fcntl(0, F_SETFD, 0);
     else if (input > 0)
@@ -229,9 +230,7 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
     // The interpreter catches standard signals only, never real-time ones.
     for (int sig = 1; sig < 32; ++sig) {
         if (sig == SIGKILL || sig == SIGSTOP) continue;
-        bool reset = sig == SIGINT || sig == SIGQUIT || sig == SIGPIPE;
-        if (!reset && sigaction(sig, nullptr, &sa) == 0) reset = sa.sa_handler != SIG_IGN && sa.sa_handler != SIG_DFL;
-        if (!reset) continue;
+        if (sig != SIGINT && sig != SIGQUIT && sig != SIGPIPE && !sigismember(&caught, sig)) continue;
         sa = {};
         sa.sa_handler = SIG_DFL;
         sigaction(sig, &sa, nullptr);
@@ -258,12 +257,13 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
 // the child has put its own in order. Returns the process, or -1 when it could not start (the
 // failed child is reaped at once).
 pid_t Launch(const char* program, char* const* argv, char* const* envp, int input) {
-    sigset_t all, old;
+    sigset_t all, old, caught;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &old);
+    SignalsCaught(&caught);
     volatile int execError = 0;
     pid_t pid = vfork();
-    if (pid == 0) LaunchChild(program, argv, envp, input, &execError);
+    if (pid == 0) LaunchChild(program, argv, envp, input, caught, &execError);
     pthread_sigmask(SIG_SETMASK, &old, nullptr);
     if (pid > 0 && execError != 0) {
         while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
