@@ -7,7 +7,9 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -50,6 +52,15 @@ void Grow() {
     uiMaxVars += kGrowth;
 }
 
+// Names found lately, as written: a script names the same few variables over and over, and
+// comparing the bytes is cheaper than hashing the folded name. What a name found stays found.
+struct RecentVar {
+    std::string sName;
+    Variable* pVar = nullptr;
+    uint64_t uiGeneration = 0;
+};
+RecentVar aRecentVars[16];
+
 }  // namespace
 
 void InitVariables(bool index) {
@@ -66,8 +77,18 @@ Variable* VarAt(uint32_t index) { return &aVarBlocks[index / kGrowth][index % kG
 
 Variable* FindVar(const char* name) {
     if (bIndexed) {
+        const size_t length = strlen(name);
+        RecentVar& recent =
+            aRecentVars[(length * 31 + static_cast<unsigned char>(length ? name[length - 1] : 0)) % 16];
+        if (recent.uiGeneration == uiTableGeneration && recent.sName.size() == length &&
+            memcmp(recent.sName.data(), name, length) == 0)
+            return recent.pVar;
         auto it = aVarIndex.find(name);
-        return it == aVarIndex.end() ? nullptr : it->second;
+        if (it == aVarIndex.end()) return nullptr;
+        recent.sName.assign(name, length);
+        recent.pVar = it->second;
+        recent.uiGeneration = uiTableGeneration;
+        return it->second;
     }
     for (uint32_t i = 0; i < uiVars; ++i) {
         Variable* v = VarAt(i);

@@ -400,12 +400,14 @@ void ScriptReader::LoadLine(long start, long length) {
 }
 
 const std::vector<size_t>* ScriptReader::LabelRows(const char* target) {
+    const size_t length = strlen(target);
     for (const RecentLabel& r : aRecentLabels)
-        if (r.uiGeneration == uiGeneration && r.sName == target) return r.pRows;
+        if (r.uiGeneration == uiGeneration && r.sName.size() == length && memcmp(r.sName.data(), target, length) == 0)
+            return r.pRows;
     std::string folded = FoldedFirstWord(target);
     auto label = aLabels.find(folded);
     RecentLabel& r = aRecentLabels[uiNextRecentLabel++ % (sizeof aRecentLabels / sizeof *aRecentLabels)];
-    r.pRows = label != aLabels.end() && folded.size() == strlen(target) ? &label->second : nullptr;
+    r.pRows = label != aLabels.end() && folded.size() == length ? &label->second : nullptr;
     r.sName = target;
     r.uiGeneration = uiGeneration;
     return r.pRows;

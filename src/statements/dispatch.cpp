@@ -140,7 +140,7 @@ void _Parse_Line(Parser* p, const char* line) {
             const char* after = e;
             while (*after && chars::IsSpace(*after)) ++after;
             if (alnum && *after == '=') {
-                p->sToken = CBString("&") + p->sToken;
+                p->sToken.str().insert(0, 1, '&');
                 p->eTokenType = TokenVar;
                 p->bFirstToken = false;
                 TraceToken(p);
