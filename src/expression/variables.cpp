@@ -3,7 +3,6 @@
 // table grows; indexes and values are kept in order of creation. Unless the plain table is asked
 // for, an index by folded name finds a record without scanning the table; no two records have
 // names equal but for case, so the index finds the one a scan would.
-#include <strings.h>
 
 #include <cctype>
 #include <cstdlib>
@@ -92,7 +91,7 @@ Variable* FindVar(const char* name) {
     }
     for (uint32_t i = 0; i < uiVars; ++i) {
         Variable* v = VarAt(i);
-        if (strcasecmp(v->sName.data(), name) == 0) return v;
+        if (chars::EqualFolded(v->sName.data(), name)) return v;  // as strcasecmp compares
     }
     return nullptr;
 }

@@ -339,9 +339,10 @@ void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
             if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
             auto kept = std::make_unique<LineTokens>();
             kept->sText.assign(key);
+            LineTokens* made = kept.get();
+            mapLineTokens.emplace(std::string_view(made->sText), std::move(kept));
             uiKeptBytes += key.size();
-            p->pTokens = kept.get();
-            mapLineTokens.emplace(std::string_view(kept->sText), std::move(kept));
+            p->pTokens = made;
         }
         recent = Recent{text, p->pTokens};
     }
