@@ -252,7 +252,8 @@ void ScriptReader::Forget() {
     aBlocks.clear();
     aLines.clear();
     bIndexed = false;
-    aOrder.clear();
+    aLineStarts.clear();
+    aLineNewlines.clear();
     aLabels.clear();
     aLabelLines.clear();
 }
@@ -358,10 +359,12 @@ void ScriptReader::IndexLabels() {
             if (inWord) word += static_cast<char>(chars::Lower(c));
         }
         if (length == 0) break;
-        if (!word.empty() && word.back() == ':') aLabels[word].push_back(aOrder.size());
-        aOrder.push_back(PlacedLine{offset, length, newline});
+        if (!word.empty() && word.back() == ':') aLabels[word].push_back(aLineNewlines.size());
+        aLineStarts.push_back(offset);
+        aLineNewlines.push_back(newline);
         offset += length;
     }
+    aLineStarts.push_back(offset);  // where the last line ends
     bIndexed = true;
 }
 
@@ -424,28 +427,29 @@ bool ScriptReader::FindLabel(const char* target) {
             ~Hold() { b = false; }
         } hold(bHold);
         if (!bIndexed) IndexLabels();
-        auto from = std::lower_bound(aOrder.begin(), aOrder.end(), lOffset,
-                                     [](const PlacedLine& l, long offset) { return l.lStart < offset; });
-        if (from != aOrder.end() && from->lStart == lOffset) {
-            size_t first = static_cast<size_t>(from - aOrder.begin());
-            size_t found = aOrder.size();
+        const size_t lines = aLineNewlines.size();
+        auto from = std::lower_bound(aLineStarts.begin(), aLineStarts.begin() + static_cast<std::ptrdiff_t>(lines), lOffset);
+        if (from != aLineStarts.begin() + static_cast<std::ptrdiff_t>(lines) && *from == lOffset) {
+            size_t first = static_cast<size_t>(from - aLineStarts.begin());
+            size_t found = lines;
             if (const std::vector<size_t>* rows = LabelRows(target)) {
                 auto at = std::lower_bound(rows->begin(), rows->end(), first);
                 if (at != rows->end()) found = *at;
             }
-            if (found == aOrder.size()) {
+            if (found == lines) {
                 // Every line to the end is read, and counted.
-                iLine = static_cast<int>(static_cast<unsigned>(iLine) + static_cast<unsigned>(aOrder.size() - first));
-                lOffset = aOrder.back().lStart + aOrder.back().lLength;
+                iLine = static_cast<int>(static_cast<unsigned>(iLine) + static_cast<unsigned>(lines - first));
+                lOffset = aLineStarts[lines];
                 lLinePos = lOffset;
                 bEof = true;
                 return false;
             }
-            const PlacedLine& line = aOrder[found];
+            const long start = aLineStarts[found];
+            const long length = aLineStarts[found + 1] - start;
             iLine = static_cast<int>(static_cast<unsigned>(iLine) + static_cast<unsigned>(found - first) + 1u);
-            lLinePos = line.lStart;
-            lOffset = line.lStart + line.lLength;
-            LoadLine(line.lStart, line.lLength);
+            lLinePos = start;
+            lOffset = start + length;
+            LoadLine(start, length);
             // The block that holds the line's last byte is the one a reader would now hold; a
             // line that ran into the end of the file has met it.
             long blockStart = (lOffset - 1) & ~(kBlockSize - 1);
@@ -454,7 +458,7 @@ bool ScriptReader::FindLabel(const char* target) {
             lBlockStart = blockStart;
             bBlockKept = kept;
             uiBlockGeneration = uiGeneration;
-            bEof = !line.bNewline && line.lLength < static_cast<long>(kLineSize) - 1 && found + 1 == aOrder.size();
+            bEof = !aLineNewlines[found] && length < static_cast<long>(kLineSize) - 1 && found + 1 == lines;
             return true;
         }
     }

@@ -157,15 +157,14 @@ private:
     std::unordered_map<long, std::string> aLabelLines;  // label lines jumped to, trimmed, by start
     // The label index: where every line from offset 0 to the end lies, in order, and the lines
     // whose first word ends in ":" by that word folded.
-    struct PlacedLine {
-        long lStart;
-        long lLength;
-        bool bNewline;
-    };
+    // Line n runs from aLineStarts[n] to aLineStarts[n + 1] (the last entry is where the last
+    // line ends); aLineNewlines[n]: it ends with a line feed (the lines lie end to end, so their
+    // lengths need not be kept).
     bool bIndexed = false;
-    std::vector<PlacedLine> aOrder;
+    std::vector<long> aLineStarts;
+    std::vector<bool> aLineNewlines;
     std::unordered_map<std::string, std::vector<size_t>> aLabels;
-    // The labels last looked up, as given, and their rows in aOrder (null: none): a loop jumps
+    // The labels last looked up, as given, and their rows in aLineStarts (null: none): a loop jumps
     // to the same few labels again and again. Each is valid while uiGeneration is its own.
     struct RecentLabel {
         std::string sName;
