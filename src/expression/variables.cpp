@@ -77,8 +77,7 @@ Variable* VarAt(uint32_t index) { return &aVarBlocks[index / kGrowth][index % kG
 Variable* FindVar(const char* name) {
     if (bIndexed) {
         const size_t length = strlen(name);
-        RecentVar& recent =
-            aRecentVars[(length * 31 + static_cast<unsigned char>(length ? name[length - 1] : 0)) % 16];
+        RecentVar& recent = aRecentVars[(length * 31 + static_cast<unsigned char>(length ? name[length - 1] : 0)) % 16];
         if (recent.uiGeneration == uiTableGeneration && recent.sName.size() == length &&
             memcmp(recent.sName.data(), name, length) == 0)
             return recent.pVar;
@@ -122,8 +121,7 @@ Variable* GetVar(const CBString& name) {
 
 Variable* GetTokenVar(Parser* p) {
     TokenNote* note = CurrentNote(p);
-    if (note && note->pBound && note->uiGeneration == uiTableGeneration)
-        return static_cast<Variable*>(note->pBound);
+    if (note && note->pBound && note->uiGeneration == uiTableGeneration) return static_cast<Variable*>(note->pBound);
     // GetVar uses the name as given (see there): the variable depends on nothing but the text.
     Variable* v = GetVar(p->sToken);
     if (note) {

@@ -1,6 +1,7 @@
 // The tokenizer: cuts the next token at the scan position and classifies it.
 #include <strings.h>
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdio>
@@ -11,7 +12,6 @@
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-#include <algorithm>
 
 #include "tokenizer.h"
 
@@ -153,9 +153,9 @@ void SkipLine(TokenScan* p) { p->pPos = p->Line().data() + p->Line().length(); }
 // One cut: where the scan was, what it gave and where it left the scan. Offsets are into the line.
 struct Cut {
     uint32_t uiFrom;
-    bool bReference;  // ReferenceEnd's cut rather than TokenEnd's
-    bool bFirst;      // bFirstToken when cut
-    bool bSetsWord;   // the classification set iWord (to iWord)
+    bool bReference;          // ReferenceEnd's cut rather than TokenEnd's
+    bool bFirst;              // bFirstToken when cut
+    bool bSetsWord;           // the classification set iWord (to iWord)
     uint32_t uiStart, uiEnd;  // the token's text, when it is the line's own
     int32_t iRewritten;       // else its index in LineTokens::asRewritten
     uint32_t uiNext;
@@ -220,8 +220,7 @@ bool ReplayExpected(TokenScan* p, bool reference) {
     const size_t i = p->uiNextCut;
     if (i >= lt->aCuts.size() || p->Line().str().size() != lt->sText.size()) return false;
     const Cut& c = lt->aCuts[i];
-    if (p->Line().data() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken)
-        return false;
+    if (p->Line().data() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken) return false;
     Replay(p, lt, i);
     return true;
 }
@@ -240,10 +239,10 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
     uint32_t from = static_cast<uint32_t>(offset);
     std::vector<Cut>& cuts = lt->aCuts;
     size_t i = p->uiNextCut;
-    if (i >= cuts.size() || cuts[i].uiFrom != from || cuts[i].bReference != reference || cuts[i].bFirst != p->bFirstToken) {
-        auto at = std::lower_bound(cuts.begin(), cuts.end(), 0, [&](const Cut& c, int) {
-            return Before(c, from, reference, p->bFirstToken);
-        });
+    if (i >= cuts.size() || cuts[i].uiFrom != from || cuts[i].bReference != reference ||
+        cuts[i].bFirst != p->bFirstToken) {
+        auto at = std::lower_bound(cuts.begin(), cuts.end(), 0,
+                                   [&](const Cut& c, int) { return Before(c, from, reference, p->bFirstToken); });
         i = static_cast<size_t>(at - cuts.begin());
         if (at == cuts.end() || at->uiFrom != from || at->bReference != reference || at->bFirst != p->bFirstToken) {
             // Not cut before: cut now, and keep what it gave.
@@ -261,8 +260,8 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
             c.eType = p->eTokenType;
             c.iRewritten = -1;
             const size_t length = p->sToken.str().size();
-            const char* own = static_cast<const char*>(
-                memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
+            const char* own =
+                static_cast<const char*>(memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
             if (length == 0) {
                 c.uiStart = c.uiEnd = 0;
             } else if (own) {

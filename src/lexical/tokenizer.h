@@ -67,9 +67,9 @@ struct TokenScan {
     TokenType eTokenType = NotAToken;
     CBString sToken;
     const char* pPos = nullptr;
-    bool bDebug = false;       // &CONTROL DEBUG: print every token read
-    bool bFirstToken = false;  // set at the start of a line until its first token is classified
-    int iWord = -1;            // for a statement or function token: its row among those words
+    bool bDebug = false;            // &CONTROL DEBUG: print every token read
+    bool bFirstToken = false;       // set at the start of a line until its first token is classified
+    int iWord = -1;                 // for a statement or function token: its row among those words
     LineTokens* pTokens = nullptr;  // the cuts kept for a line of sLine's text, if any
     size_t uiNextCut = 0;           // where in them the next cut is likely to be
     TokenNote* pNote = nullptr;     // the note of the last token cut through them, if any

@@ -428,7 +428,8 @@ bool ScriptReader::FindLabel(const char* target) {
         } hold(bHold);
         if (!bIndexed) IndexLabels();
         const size_t lines = aLineNewlines.size();
-        auto from = std::lower_bound(aLineStarts.begin(), aLineStarts.begin() + static_cast<std::ptrdiff_t>(lines), lOffset);
+        auto from =
+            std::lower_bound(aLineStarts.begin(), aLineStarts.begin() + static_cast<std::ptrdiff_t>(lines), lOffset);
         if (from != aLineStarts.begin() + static_cast<std::ptrdiff_t>(lines) && *from == lOffset) {
             size_t first = static_cast<size_t>(from - aLineStarts.begin());
             size_t found = lines;

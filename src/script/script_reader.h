@@ -133,9 +133,9 @@ private:
     bool bLineRepeated = false;
     uint64_t uiLineSerial = 0;
     const char* pSerialLine = nullptr;  // the line uiLineSerial names
-    bool bBlockKept = false;         // the block held is one of aBlocks, so its lines may be kept
-    unsigned uiBlockGeneration = 0;  // uiGeneration when the block held was read
-    bool bEof = false;               // the end was met; only a repositioning reads again
+    bool bBlockKept = false;            // the block held is one of aBlocks, so its lines may be kept
+    unsigned uiBlockGeneration = 0;     // uiGeneration when the block held was read
+    bool bEof = false;                  // the end was met; only a repositioning reads again
     std::unique_ptr<char[]> pOwnBlock;
 
     long lOffset = 0;   // offset of the next byte to read
@@ -151,9 +151,9 @@ private:
     struct stat stSeen {};
     long long llCheckedNs = 0;
     unsigned uiCheckedTurns = 0;
-    std::unordered_set<long> aReadOnce;           // blocks read once: kept when read again
-    std::unordered_map<long, KeptBlock> aBlocks;  // by start offset
-    std::unordered_map<long, KeptLine> aLines;    // by start offset
+    std::unordered_set<long> aReadOnce;                 // blocks read once: kept when read again
+    std::unordered_map<long, KeptBlock> aBlocks;        // by start offset
+    std::unordered_map<long, KeptLine> aLines;          // by start offset
     std::unordered_map<long, std::string> aLabelLines;  // label lines jumped to, trimmed, by start
     // The label index: where every line from offset 0 to the end lies, in order, and the lines
     // whose first word ends in ":" by that word folded.

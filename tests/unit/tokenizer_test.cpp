@@ -559,12 +559,12 @@ std::vector<Seen> Scan(const std::string& line, bool repeated, unsigned seed) {
 }
 
 TEST_F(Tokenizer, KeptCutsGiveWhatScanningGives) {
-    const char* const pieces[] = {"&IF",  "&if",  "&n",   "&&x",     "&GOTO", "again:", "a:",    "=",   "==",
-                                  "<>",   "<",    "<=",   ">=",      "!=",    "!",     "1",     "2.5", ".5",
-                                  "1.2.3", "\"q\"", "\"a\"\"b\"", "\"open", "&CAT", "&SYSTEM", "(",  ")",   ",",
-                                  "[",    "]",    ";",    "; rest",  "+",     "-",     "*",     "/",   "&",
-                                  "|",    "^",    "%",    "word",    "/bin/x", "\\",   "#",     "&1",  "x&y",
-                                  "\t",   "  ",   "é",    "&ÉTÉ",    "a.b",   "_u"};
+    const char* const pieces[] = {
+        "&IF",  "&if",     "&n", "&&x", "&GOTO", "again:", "a:",   "=",      "==",     "<>",         "<",
+        "<=",   ">=",      "!=", "!",   "1",     "2.5",    ".5",   "1.2.3",  "\"q\"",  "\"a\"\"b\"", "\"open",
+        "&CAT", "&SYSTEM", "(",  ")",   ",",     "[",      "]",    ";",      "; rest", "+",          "-",
+        "*",    "/",       "&",  "|",   "^",     "%",      "word", "/bin/x", "\\",     "#",          "&1",
+        "x&y",  "\t",      "  ", "é",   "&ÉTÉ",  "a.b",    "_u"};
     const size_t count = sizeof pieces / sizeof *pieces;
     KeepTokens(true);
     unsigned seed = 12345;
