@@ -392,25 +392,27 @@ TokenNote* CurrentNote(TokenScan* p) {
     return t.size() == n->uiLength && memcmp(t.data(), n->pText, n->uiLength) == 0 ? n : nullptr;
 }
 
-long CurrentIntegerValue(TokenScan* p) {
+namespace {
+
+// The value convert gives the current token, kept in its note where it has one.
+template <typename T>
+T NotedValue(TokenScan* p, bool TokenNote::*known, T TokenNote::*value, T (*convert)(const char*)) {
     TokenNote* n = CurrentNote(p);
-    if (!n) return IntegerValue(p->sToken);
-    if (!n->bInteger) {
-        n->lInteger = IntegerValue(p->sToken);
-        n->bInteger = true;
+    if (!n) return convert(p->sToken);
+    if (!(n->*known)) {
+        n->*value = convert(p->sToken);
+        n->*known = true;
     }
-    return n->lInteger;
+    return n->*value;
 }
 
-double CurrentFloatValue(TokenScan* p) {
-    TokenNote* n = CurrentNote(p);
-    if (!n) return FloatValue(p->sToken);
-    if (!n->bFloat) {
-        n->dFloat = FloatValue(p->sToken);
-        n->bFloat = true;
-    }
-    return n->dFloat;
+}  // namespace
+
+long CurrentIntegerValue(TokenScan* p) {
+    return NotedValue(p, &TokenNote::bInteger, &TokenNote::lInteger, IntegerValue);
 }
+
+double CurrentFloatValue(TokenScan* p) { return NotedValue(p, &TokenNote::bFloat, &TokenNote::dFloat, FloatValue); }
 
 TokenType GetTokenType(TokenScan* p) {
     const std::string& t = p->sToken.str();
