@@ -230,8 +230,9 @@ template <typename CutFn>
 void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
     LineTokens* lt = p->pTokens;
     const char* base = p->Line().data();
-    size_t offset = static_cast<size_t>(p->pPos - base);
-    if (!lt || p->Line().str().size() != lt->sText.size() || p->pPos < base || offset > lt->sText.size()) {
+    // Compared as addresses: the scan may have been moved to another text.
+    const size_t offset = reinterpret_cast<uintptr_t>(p->pPos) - reinterpret_cast<uintptr_t>(base);
+    if (!lt || p->Line().str().size() != lt->sText.size() || offset > lt->sText.size()) {
         p->pNote = nullptr;
         cut(p);
         return;
@@ -283,14 +284,10 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
     Replay(p, lt, i);
 }
 
+// GetNextToken's cut where the scan is not at the end of the line (GetNextToken takes that case).
 void CutToken(TokenScan* p) {
     const char* s = p->pPos;
-    while (*s && chars::IsSpace(*s)) ++s;
-    if (*s == '\0') {
-        p->sToken.clear();
-        p->eTokenType = TokenEol;
-        return;
-    }
+    while (chars::IsSpace(*s)) ++s;
     const char* e = TokenEnd(s);
     p->sToken.assign(s, static_cast<size_t>(e - s));
     p->pPos = e;

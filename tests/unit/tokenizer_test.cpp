@@ -603,6 +603,23 @@ TEST_F(Tokenizer, KeptCutsFollowTheTextNotItsPlace) {
     KeepTokens(false);
 }
 
+// A scan moved off its line (the position on another text) is cut as it stands, not from what
+// was kept for the line.
+TEST_F(Tokenizer, AScanOffItsLineIsCutPlainly) {
+    KeepTokens(true);
+    TokenScan p;
+    SetLine(&p, "&IF 1", true);
+    ASSERT_TRUE(GetNextToken(&p));
+    static const char other[] = "  &n < 2";
+    p.pPos = other;
+    ASSERT_TRUE(GetNextToken(&p));
+    EXPECT_EQ(p.sToken.str(), "&n");
+    EXPECT_EQ(p.eTokenType, TokenVar);
+    EXPECT_EQ(p.pPos, other + 4);
+    EXPECT_EQ(CurrentNote(&p), nullptr);
+    KeepTokens(false);
+}
+
 TEST_F(Tokenizer, SkipSpaces) {
     ctx.SetLine("  \t x");
     skip_spaces(&ctx.p);
