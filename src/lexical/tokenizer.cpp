@@ -153,21 +153,19 @@ void SkipLine(TokenScan* p) { p->pPos = p->Line().data() + p->Line().length(); }
 // One cut: where the scan was, what it gave and where it left the scan. Offsets are into the line.
 struct Cut {
     uint32_t uiFrom;
-    bool bReference;          // ReferenceEnd's cut rather than TokenEnd's
-    bool bFirst;              // bFirstToken when cut
-    bool bSetsWord;           // the classification set iWord (to iWord)
-    uint32_t uiStart, uiEnd;  // the token's text, when it is the line's own
-    int32_t iRewritten;       // else its index in LineTokens::asRewritten
+    bool bReference;  // ReferenceEnd's cut rather than TokenEnd's
+    bool bFirst;      // bFirstToken when cut
+    bool bSetsWord;   // the classification set iWord (to iWord)
     uint32_t uiNext;
     TokenType eType;
     int iWord;
     std::unique_ptr<TokenNote> pNote;  // for a token of the line's own text
+    CBString sToken;                   // what the cut gave, copied whole into the scan's token
 };
 
 struct LineTokens {
     std::string sText;
     std::vector<Cut> aCuts;  // by uiFrom, then bReference, then bFirst
-    std::vector<CBString> asRewritten;
 };
 
 namespace {
@@ -202,12 +200,8 @@ bool Before(const Cut& c, uint32_t from, bool reference, bool first) {
 
 void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
     const Cut& c = lt->aCuts[i];
-    const char* base = p->Line().data();
-    if (c.iRewritten >= 0)
-        p->sToken = lt->asRewritten[static_cast<size_t>(c.iRewritten)];
-    else
-        p->sToken.assign(base + c.uiStart, c.uiEnd - c.uiStart);
-    p->pPos = base + c.uiNext;
+    p->sToken = c.sToken;
+    p->pPos = p->Line().data() + c.uiNext;
     p->eTokenType = c.eType;
     if (c.bSetsWord) p->iWord = c.iWord;
     p->uiNextCut = i + 1;
@@ -218,7 +212,8 @@ void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
 bool ReplayExpected(TokenScan* p, bool reference) {
     const LineTokens* lt = p->pTokens;
     const size_t i = p->uiNextCut;
-    if (i >= lt->aCuts.size() || p->Line().str().size() != lt->sText.size()) return false;
+    // SetLine sets the line and its cuts together: they always belong to each other.
+    if (i >= lt->aCuts.size()) return false;
     const Cut& c = lt->aCuts[i];
     if (p->Line().data() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken) return false;
     Replay(p, lt, i);
@@ -259,22 +254,18 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
             if (!c.bSetsWord) p->iWord = before;
             c.uiNext = static_cast<uint32_t>(p->pPos - base);
             c.eType = p->eTokenType;
-            c.iRewritten = -1;
+            // A token that is the line's own text gets a note, which points at the kept text.
             const size_t length = p->sToken.str().size();
             const char* own =
-                static_cast<const char*>(memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
-            if (length == 0) {
-                c.uiStart = c.uiEnd = 0;
-            } else if (own) {
-                c.uiStart = static_cast<uint32_t>(own - base);
-                c.uiEnd = c.uiStart + static_cast<uint32_t>(length);
+                length == 0
+                    ? nullptr
+                    : static_cast<const char*>(memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
+            if (own) {
                 c.pNote = std::make_unique<TokenNote>();
-                c.pNote->pText = lt->sText.data() + c.uiStart;
+                c.pNote->pText = lt->sText.data() + (own - base);
                 c.pNote->uiLength = length;
-            } else {
-                c.iRewritten = static_cast<int32_t>(lt->asRewritten.size());
-                lt->asRewritten.push_back(p->sToken);
             }
+            c.sToken = p->sToken;
             p->pNote = c.pNote.get();
             cuts.insert(cuts.begin() + static_cast<std::ptrdiff_t>(i), std::move(c));
             p->uiNextCut = i + 1;
@@ -314,7 +305,7 @@ void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
     if (bKeepTokens && repeated && serial != 0) {
         bySerial = &aBySerial[serial % (sizeof aBySerial / sizeof *aBySerial)];
         if (bySerial->uiSerial == serial) {
-            p->sLine.assign(text, bySerial->pTokens->sText.size());
+            p->sLine.str() = bySerial->pTokens->sText;  // the same text; a whole string copies fastest
             p->pPos = p->sLine.data();
             p->pTokens = bySerial->pTokens;
             return;
