@@ -589,27 +589,31 @@ TEST_F(Tokenizer, KeptCutsGiveWhatScanningGives) {
     KeepTokens(false);
 }
 
-TEST_F(Tokenizer, KeptCutsFollowTheTextNotItsPlace) {
-    KeepTokens(true);
+// A scan of lines whose cuts are kept: each test starts on a line, its first token read.
+class KeptTokenizer : public ::testing::Test {
+protected:
+    void SetUp() override { KeepTokens(true); }
+    void TearDown() override { KeepTokens(false); }
+    void StartOn(const char* line) {
+        SetLine(&p, line, true);
+        ASSERT_TRUE(GetNextToken(&p));
+    }
     TokenScan p;
-    SetLine(&p, "&IF 1 &GOTO x", true);
-    ASSERT_TRUE(GetNextToken(&p));
+};
+
+TEST_F(KeptTokenizer, CutsFollowTheTextNotItsPlace) {
+    StartOn("&IF 1 &GOTO x");
     EXPECT_EQ(p.eTokenType, TokenStatement);
     // Another text of the same length, very likely in the same buffer: its own cuts.
-    SetLine(&p, "abc 1 &GOTO x", true);
-    ASSERT_TRUE(GetNextToken(&p));
+    StartOn("abc 1 &GOTO x");
     EXPECT_EQ(p.sToken.str(), "abc");
     EXPECT_EQ(p.eTokenType, TokenString);
-    KeepTokens(false);
 }
 
 // A scan moved off its line (the position on another text) is cut as it stands, not from what
 // was kept for the line.
-TEST_F(Tokenizer, AScanOffItsLineIsCutPlainly) {
-    KeepTokens(true);
-    TokenScan p;
-    SetLine(&p, "&IF 1", true);
-    ASSERT_TRUE(GetNextToken(&p));
+TEST_F(KeptTokenizer, AScanOffItsLineIsCutPlainly) {
+    StartOn("&IF 1");
     static const char other[] = "  &n < 2";
     p.pPos = other;
     ASSERT_TRUE(GetNextToken(&p));
@@ -617,7 +621,6 @@ TEST_F(Tokenizer, AScanOffItsLineIsCutPlainly) {
     EXPECT_EQ(p.eTokenType, TokenVar);
     EXPECT_EQ(p.pPos, other + 4);
     EXPECT_EQ(CurrentNote(&p), nullptr);
-    KeepTokens(false);
 }
 
 TEST_F(Tokenizer, SkipSpaces) {
