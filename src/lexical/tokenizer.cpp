@@ -152,14 +152,14 @@ void SkipLine(TokenScan* p) { p->pPos = p->Line().data() + p->Line().length(); }
 
 // One cut: where the scan was, what it gave and where it left the scan. Offsets are into the line.
 struct Cut {
-    uint32_t uiFrom;
+    uint16_t uiFrom;
+    uint16_t uiNext;
+    uint8_t eType;    // a TokenType
     bool bReference;  // ReferenceEnd's cut rather than TokenEnd's
     bool bFirst;      // bFirstToken when cut
     bool bSetsWord;   // the classification set iWord (to iWord)
-    uint32_t uiNext;
-    TokenType eType;
-    int iWord;
-    std::unique_ptr<TokenNote> pNote;  // for a token of the line's own text
+    int16_t iWord;
+    std::unique_ptr<TokenNote> pNote;  // for a reference or a number of the line's own text
     CBString sToken;                   // what the cut gave, copied whole into the scan's token
 };
 
@@ -174,9 +174,12 @@ bool bKeepTokens = false;
 // The kept lines by text. Entries are never dropped while the program runs (scans point at them);
 // past the limits no more lines are kept.
 std::unordered_map<std::string_view, std::unique_ptr<LineTokens>> mapLineTokens;
+// What is kept, roughly in bytes: past the limit no more lines or cuts are kept (what is kept
+// stays). A line or cut costs its record, its text and its share of the tables around it.
 size_t uiKeptBytes = 0;
-constexpr size_t kMaxKeptLines = 1u << 16;
-constexpr size_t kMaxKeptBytes = size_t{16} << 20;
+constexpr size_t kMaxKeptBytes = size_t{2} << 20;
+constexpr size_t kLineCost = sizeof(LineTokens) + 64;
+constexpr size_t kNoteCost = sizeof(TokenNote) + 16;
 
 // Lines the reader keeps come back at the same address: a small table by address finds their
 // cuts without hashing the text (the text is still compared).
@@ -202,7 +205,7 @@ void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
     const Cut& c = lt->aCuts[i];
     p->sToken = c.sToken;
     p->pPos = p->Line().data() + c.uiNext;
-    p->eTokenType = c.eType;
+    p->eTokenType = static_cast<TokenType>(c.eType);
     if (c.bSetsWord) p->iWord = c.iWord;
     p->uiNextCut = i + 1;
     p->pNote = c.pNote.get();
@@ -245,21 +248,30 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
             const int before = p->iWord;
             p->iWord = INT_MIN;
             cut(p);
+            const bool setsWord = p->iWord != INT_MIN;
             Cut c{};
-            c.uiFrom = from;
+            c.uiFrom = static_cast<uint16_t>(from);
+            c.uiNext = static_cast<uint16_t>(p->pPos - base);
+            c.eType = static_cast<uint8_t>(p->eTokenType);
             c.bReference = reference;
             c.bFirst = p->bFirstToken;
-            c.bSetsWord = p->iWord != INT_MIN;
-            c.iWord = p->iWord;
-            if (!c.bSetsWord) p->iWord = before;
-            c.uiNext = static_cast<uint32_t>(p->pPos - base);
-            c.eType = p->eTokenType;
-            // A token that is the line's own text gets a note, which points at the kept text.
+            c.bSetsWord = setsWord;
+            c.iWord = static_cast<int16_t>(setsWord ? p->iWord : 0);
+            if (!setsWord) p->iWord = before;
+            // A reference or a number that is the line's own text gets a note, which points at the
+            // kept text.
             const size_t length = p->sToken.str().size();
+            const bool noted = p->eTokenType == TokenVar || p->eTokenType == TokenInteger || p->eTokenType == TokenFloat;
             const char* own =
-                length == 0
+                !noted || length == 0
                     ? nullptr
                     : static_cast<const char*>(memmem(base + from, lt->sText.size() - from, p->sToken.data(), length));
+            size_t cost = sizeof(Cut) + (length > 15 ? length + 1 : 0) + (own ? kNoteCost : 0);
+            if (uiKeptBytes + cost > kMaxKeptBytes || lt->sText.size() > UINT16_MAX) {
+                p->pNote = nullptr;
+                return;
+            }
+            uiKeptBytes += cost;
             if (own) {
                 c.pNote = std::make_unique<TokenNote>();
                 c.pNote->pText = lt->sText.data() + (own - base);
@@ -323,12 +335,12 @@ void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
         if (it != mapLineTokens.end()) {
             p->pTokens = it->second.get();
         } else {
-            if (mapLineTokens.size() >= kMaxKeptLines || uiKeptBytes + key.size() > kMaxKeptBytes) return;
+            if (uiKeptBytes + kLineCost + key.size() > kMaxKeptBytes) return;
             auto kept = std::make_unique<LineTokens>();
             kept->sText.assign(key);
             LineTokens* made = kept.get();
             mapLineTokens.emplace(std::string_view(made->sText), std::move(kept));
-            uiKeptBytes += key.size();
+            uiKeptBytes += kLineCost + key.size();
             p->pTokens = made;
         }
         recent = Recent{text, p->pTokens};

@@ -50,6 +50,26 @@ lines 10000 "$work/short.kvx"
 lines 100000 "$work/long.kvx"
 check "script length" "$(peak "$work/short.kvx")" "$(peak "$work/long.kvx")"
 
+# A long loop body is kept while it runs again and again: its lines, the blocks they lie in, and
+# (up to a fixed budget) their tokens. That must stay within ten times the body's text beyond what
+# the plain engine needs for the same script.
+body() {  # body <lines> <file>: a loop of <lines> assignments to one variable, run three times
+  awk -v n="$1" 'BEGIN {
+    print "n = 0"; print "top:"
+    for (i = 0; i < n; i++) printf "x = &n + %d ; filler text here\n", i
+    print "n = &n + 1"; print "&IF &n < 3 &GOTO top"; print "&TYPE done"
+  }' > "$2"
+}
+body 60000 "$work/body.kvx"
+kept=$(peak "$work/body.kvx")
+plain=$(KVEXEC_PLAIN=1 peak "$work/body.kvx")
+text=$(($(wc -c < "$work/body.kvx") / 1024))
+echo "a loop body of $text KiB: $kept KiB kept, $plain KiB plain"
+if [ "$kept" -gt $((plain + 10 * text)) ]; then
+  echo "FAIL: what is kept of a loop body outgrows ten times its text"
+  exit 1
+fi
+
 loop 100000 "$work/loop_short.kvx"
 loop 1000000 "$work/loop_long.kvx"
 check "loop passes" "$(peak "$work/loop_short.kvx")" "$(peak "$work/loop_long.kvx")"
