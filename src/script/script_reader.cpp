@@ -251,6 +251,8 @@ void ScriptReader::Forget() {
     aReadOnce.clear();
     aBlocks.clear();
     aLines.clear();
+    aTextChunks.clear();
+    uiChunkUsed = kTextChunk;
     bIndexed = false;
     aLineStarts.clear();
     aLineNewlines.clear();
@@ -284,17 +286,30 @@ const char* ScriptReader::Assemble() {
     }
     if (n == 0) return nullptr;
     szLine[n] = '\0';
-    bool newline = szLine[n - 1] == '\n';
     char* s = szLine;
     while (*s && chars::IsSpace(*s)) ++s;
     kavro::stripspace(s);
     if (oneKeptBlock && bKeep) {
-        auto kept = aLines.emplace(start, KeptLine{start, static_cast<long>(n), newline, s, ++uiKeptLineSerials});
-        uiLineSerial = kept.first->second.uiSerial;
-        pSerialLine = kept.first->second.sText.c_str();
+        auto kept = aLines.find(start);
+        if (kept == aLines.end())
+            kept = aLines.emplace(start, KeptLine{KeepText(s), static_cast<uint32_t>(n), ++uiKeptLineSerials}).first;
+        uiLineSerial = kept->second.uiSerial;
+        pSerialLine = kept->second.pText;
         return Count(pSerialLine);
     }
     return Count(s);
+}
+
+const char* ScriptReader::KeepText(const char* text) {
+    const size_t size = strlen(text) + 1;  // at most kLineSize
+    if (uiChunkUsed + size > kTextChunk) {
+        aTextChunks.emplace_back(new char[kTextChunk]);
+        uiChunkUsed = 0;
+    }
+    char* to = aTextChunks.back().get() + uiChunkUsed;
+    memcpy(to, text, size);
+    uiChunkUsed += size;
+    return to;
 }
 
 const char* ScriptReader::GetLine() {
@@ -308,11 +323,11 @@ const char* ScriptReader::GetLine() {
     pSerialLine = nullptr;
     if (bBlockKept) {
         auto it = aLines.find(lOffset);
-        if (it != aLines.end() && lOffset + it->second.lLength <= lBlockStart + lBlockLength) {
-            lOffset += it->second.lLength;
+        if (it != aLines.end() && lOffset + it->second.uiLength <= lBlockStart + lBlockLength) {
+            lOffset += it->second.uiLength;
             bLineRepeated = true;
             uiLineSerial = it->second.uiSerial;
-            pSerialLine = it->second.sText.c_str();
+            pSerialLine = it->second.pText;
             return Count(pSerialLine);
         }
     }
@@ -372,7 +387,7 @@ void ScriptReader::IndexLabels() {
 void ScriptReader::LoadLine(long start, long length) {
     auto known = aLines.find(start);
     if (known != aLines.end()) {
-        pszLine = known->second.sText.c_str();
+        pszLine = known->second.pText;
         return;
     }
     auto label = aLabelLines.find(start);

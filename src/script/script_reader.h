@@ -89,12 +89,11 @@ public:
     bool bTrace = false;  // &CONTROL TRACE: every line read is printed as "<n: text>"
 
 private:
-    // A line as it was read: its start, the bytes it took (line feed included), its trimmed text.
+    // A line as it was read (kept by its start): its trimmed text, in aTextChunks, and the bytes it
+    // took, line feed included.
     struct KeptLine {
-        long lStart;
-        long lLength;
-        bool bNewline;  // ended by a line feed (not cut at kLineSize - 1 or by the end)
-        std::string sText;
+        const char* pText;
+        uint32_t uiLength;
         uint64_t uiSerial;  // see LineSerial
     };
     struct KeptBlock {
@@ -154,6 +153,13 @@ private:
     std::unordered_set<long> aReadOnce;                 // blocks read once: kept when read again
     std::unordered_map<long, KeptBlock> aBlocks;        // by start offset
     std::unordered_map<long, KeptLine> aLines;          // by start offset
+    // The texts of the kept lines, end to end in chunks that never move: a text stays where it was
+    // put until everything kept is forgotten.
+    static constexpr size_t kTextChunk = 16384;
+    std::vector<std::unique_ptr<char[]>> aTextChunks;
+    size_t uiChunkUsed = kTextChunk;
+    static_assert(kLineSize <= kTextChunk, "a line's text fits a chunk");
+    const char* KeepText(const char* text);
     std::unordered_map<long, std::string> aLabelLines;  // label lines jumped to, trimmed, by start
     // The label index: where every line from offset 0 to the end lies, in order, and the lines
     // whose first word ends in ":" by that word folded.
