@@ -150,9 +150,9 @@ private:
     struct stat stSeen {};
     long long llCheckedNs = 0;
     unsigned uiCheckedTurns = 0;
-    std::unordered_set<long> aReadOnce;                 // blocks read once: kept when read again
-    std::unordered_map<long, KeptBlock> aBlocks;        // by start offset
-    std::unordered_map<long, KeptLine> aLines;          // by start offset
+    std::unordered_set<long> aReadOnce;           // blocks read once: kept when read again
+    std::unordered_map<long, KeptBlock> aBlocks;  // by start offset
+    std::unordered_map<long, KeptLine> aLines;    // by start offset
     // The texts of the kept lines, end to end in chunks that never move: a text stays where it was
     // put until everything kept is forgotten.
     static constexpr size_t kTextChunk = 16384;
