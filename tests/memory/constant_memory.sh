@@ -51,8 +51,9 @@ lines 100000 "$work/long.kvx"
 check "script length" "$(peak "$work/short.kvx")" "$(peak "$work/long.kvx")"
 
 # A long loop body is kept while it runs again and again: its lines, the blocks they lie in, and
-# (up to a fixed budget) their tokens. That must stay within ten times the body's text beyond what
-# the plain engine needs for the same script.
+# (up to a fixed budget) their tokens. That must stay within twelve times the body's text beyond
+# what the plain engine needs for the same script (about five times in a normal build, nine under
+# the sanitizers, whose allocator adds its own).
 body() {  # body <lines> <file>: a loop of <lines> assignments to one variable, run three times
   awk -v n="$1" 'BEGIN {
     print "n = 0"; print "top:"
@@ -65,8 +66,8 @@ kept=$(peak "$work/body.kvx")
 plain=$(KVEXEC_PLAIN=1 peak "$work/body.kvx")
 text=$(($(wc -c < "$work/body.kvx") / 1024))
 echo "a loop body of $text KiB: $kept KiB kept, $plain KiB plain"
-if [ "$kept" -gt $((plain + 10 * text)) ]; then
-  echo "FAIL: what is kept of a loop body outgrows ten times its text"
+if [ "$kept" -gt $((plain + 12 * text)) ]; then
+  echo "FAIL: what is kept of a loop body outgrows twelve times its text"
   exit 1
 fi
 
