@@ -146,7 +146,7 @@ void skip_spaces(TokenScan* p) {
 
 bool IsConst(const TokenType& t) { return t == TokenInteger || t == TokenFloat || t == TokenString; }
 
-void SkipLine(TokenScan* p) { p->pPos = p->Line().data() + p->Line().length(); }
+void SkipLine(TokenScan* p) { p->pPos = p->LineText() + p->LineLength(); }
 
 // ---- Kept cuts ------------------------------------------------------------------------------
 
@@ -201,10 +201,10 @@ bool Before(const Cut& c, uint32_t from, bool reference, bool first) {
     return c.bFirst < first;
 }
 
-void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
+inline __attribute__((always_inline)) void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
     const Cut& c = lt->aCuts[i];
     p->sToken = c.sToken;
-    p->pPos = p->Line().data() + c.uiNext;
+    p->pPos = p->LineText() + c.uiNext;
     p->eTokenType = static_cast<TokenType>(c.eType);
     if (c.bSetsWord) p->iWord = c.iWord;
     p->uiNextCut = i + 1;
@@ -212,13 +212,13 @@ void Replay(TokenScan* p, const LineTokens* lt, size_t i) {
 }
 
 // Whether the cut the scan most likely wants next is the one it wants; if so, replays it.
-bool ReplayExpected(TokenScan* p, bool reference) {
+inline __attribute__((always_inline)) bool ReplayExpected(TokenScan* p, bool reference) {
     const LineTokens* lt = p->pTokens;
     const size_t i = p->uiNextCut;
     // SetLine sets the line and its cuts together: they always belong to each other.
     if (i >= lt->aCuts.size()) return false;
     const Cut& c = lt->aCuts[i];
-    if (p->Line().data() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken) return false;
+    if (p->LineText() + c.uiFrom != p->pPos || c.bReference != reference || c.bFirst != p->bFirstToken) return false;
     Replay(p, lt, i);
     return true;
 }
@@ -227,10 +227,10 @@ bool ReplayExpected(TokenScan* p, bool reference) {
 template <typename CutFn>
 void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
     LineTokens* lt = p->pTokens;
-    const char* base = p->Line().data();
+    const char* base = p->LineText();
     // Compared as addresses: the scan may have been moved to another text.
     const size_t offset = reinterpret_cast<uintptr_t>(p->pPos) - reinterpret_cast<uintptr_t>(base);
-    if (!lt || p->Line().str().size() != lt->sText.size() || offset > lt->sText.size()) {
+    if (!lt || p->LineLength() != lt->sText.size() || offset > lt->sText.size()) {
         p->pNote = nullptr;
         cut(p);
         return;
@@ -261,7 +261,8 @@ void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
             // A reference or a number that is the line's own text gets a note, which points at the
             // kept text.
             const size_t length = p->sToken.str().size();
-            const bool noted = p->eTokenType == TokenVar || p->eTokenType == TokenInteger || p->eTokenType == TokenFloat;
+            const bool noted =
+                p->eTokenType == TokenVar || p->eTokenType == TokenInteger || p->eTokenType == TokenFloat;
             const char* own =
                 !noted || length == 0
                     ? nullptr
@@ -317,20 +318,26 @@ void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
     if (bKeepTokens && repeated && serial != 0) {
         bySerial = &aBySerial[serial % (sizeof aBySerial / sizeof *aBySerial)];
         if (bySerial->uiSerial == serial) {
-            p->sLine.str() = bySerial->pTokens->sText;  // the same text; a whole string copies fastest
-            p->pPos = p->sLine.data();
-            p->pTokens = bySerial->pTokens;
+            // The same text, kept: read there, without a copy.
+            LineTokens* lt = bySerial->pTokens;
+            p->pLine = lt->sText.data();
+            p->uiLineLength = lt->sText.size();
+            p->pPos = p->pLine;
+            p->pTokens = lt;
             return;
         }
     }
-    p->sLine.assign(text, strlen(text));
-    p->pPos = p->sLine.data();
+    p->sLineCopy.assign(text, strlen(text));
+    p->pLine = p->sLineCopy.data();
+    p->uiLineLength = p->sLineCopy.str().size();
+    p->pPos = p->pLine;
     if (!bKeepTokens || !repeated) return;
+    const std::string& copy = p->sLineCopy.str();
     Recent& recent = aRecent[(reinterpret_cast<uintptr_t>(text) >> 3) % (sizeof aRecent / sizeof *aRecent)];
-    if (recent.pText == text && recent.pTokens->sText == p->sLine.str()) {
+    if (recent.pText == text && recent.pTokens->sText == copy) {
         p->pTokens = recent.pTokens;
     } else {
-        std::string_view key(p->sLine.str());
+        std::string_view key(copy);
         auto it = mapLineTokens.find(key);
         if (it != mapLineTokens.end()) {
             p->pTokens = it->second.get();

@@ -70,16 +70,20 @@ struct TokenScan {
     bool bDebug = false;            // &CONTROL DEBUG: print every token read
     bool bFirstToken = false;       // set at the start of a line until its first token is classified
     int iWord = -1;                 // for a statement or function token: its row among those words
-    LineTokens* pTokens = nullptr;  // the cuts kept for a line of sLine's text, if any
+    LineTokens* pTokens = nullptr;  // the cuts kept for a line of the line's text, if any
     size_t uiNextCut = 0;           // where in them the next cut is likely to be
     TokenNote* pNote = nullptr;     // the note of the last token cut through them, if any
 
     // The line being dispatched; SetLine sets it, so that what is kept of its cuts goes with it.
-    const CBString& Line() const { return sLine; }
+    // It is the text of a kept line, which never changes or goes, or a copy of its own.
+    const char* LineText() const { return pLine; }
+    size_t LineLength() const { return uiLineLength; }
 
 private:
     friend void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial);
-    CBString sLine;
+    const char* pLine = "";
+    size_t uiLineLength = 0;
+    CBString sLineCopy;
 };
 
 // Turns the keeping of cuts on or off; off, every token is scanned afresh.

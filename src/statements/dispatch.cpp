@@ -55,7 +55,7 @@ void SetEnvironment(CBString& text) {
 
 void RunCommandLine(Parser* p) {
     p->eTokenType = TokenCommand;
-    CBString command = Expand(p->Line());
+    CBString command = Expand(p->LineText());
     SkipLine(p);
     if (strncasecmp(command, "set ", 4) == 0) {
         SetEnvironment(command);

@@ -56,7 +56,7 @@ protected:
     }
 
     // Offset of the scan position in the current line.
-    long Offset() const { return static_cast<long>(ctx.p.pPos - ctx.p.Line().data()); }
+    long Offset() const { return static_cast<long>(ctx.p.pPos - ctx.p.LineText()); }
 
     kvtest::Context ctx;
 };
@@ -552,7 +552,7 @@ std::vector<Seen> Scan(const std::string& line, bool repeated, unsigned seed) {
             GetReferenceToken(&p);
         else
             GetNextToken(&p);
-        seen.push_back(Seen{p.eTokenType, p.sToken.str(), static_cast<long>(p.pPos - p.Line().data()), p.iWord});
+        seen.push_back(Seen{p.eTokenType, p.sToken.str(), static_cast<long>(p.pPos - p.LineText()), p.iWord});
         if (p.eTokenType == TokenEol && choice > 12) break;
     }
     return seen;
