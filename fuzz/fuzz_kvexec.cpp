@@ -137,6 +137,7 @@ void RestoreSignals() {
 void ResetState() {
     ResetBlocks();
     InitVariables(true);
+    ForgetKeptTokens();
     iArgs = 0;
     kavro::FuzzReset(kSteps, kRunNanoseconds);
     SetReportSource("", nullptr);

@@ -310,6 +310,13 @@ void CutReference(TokenScan* p) {
 
 void KeepTokens(bool on) { bKeepTokens = on; }
 
+void ForgetKeptTokens() {
+    for (Recent& r : aRecent) r = Recent{};
+    for (BySerial& b : aBySerial) b = BySerial{};
+    mapLineTokens.clear();
+    uiKeptBytes = 0;
+}
+
 void SetLine(TokenScan* p, const char* text, bool repeated, uint64_t serial) {
     p->pTokens = nullptr;
     p->uiNextCut = 0;

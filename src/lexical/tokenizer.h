@@ -88,6 +88,8 @@ private:
 
 // Turns the keeping of cuts on or off; off, every token is scanned afresh.
 void KeepTokens(bool on);
+// Drops every kept cut, as at start; no scan may be under way (it would point at them).
+void ForgetKeptTokens();
 
 bool GetNextToken(TokenScan* p);
 // The note of the current token: there is one when the token was cut from a kept line and is

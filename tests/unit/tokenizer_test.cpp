@@ -610,6 +610,18 @@ TEST_F(KeptTokenizer, CutsFollowTheTextNotItsPlace) {
     EXPECT_EQ(p.eTokenType, TokenString);
 }
 
+// Forgetting what was kept leaves nothing behind: a line numbered as before is kept afresh.
+TEST_F(KeptTokenizer, ForgottenCutsAreGoneWithEverythingThatLedToThem) {
+    for (int round = 0; round < 2; ++round) {
+        SetLine(&p, "x = &n + 1", true, 4711);
+        for (const char* want : {"x", "=", "&n", "+", "1"}) {
+            ASSERT_TRUE(GetNextToken(&p));
+            EXPECT_EQ(p.sToken.str(), want);
+        }
+        ForgetKeptTokens();
+    }
+}
+
 // A scan moved off its line (the position on another text) is cut as it stands, not from what
 // was kept for the line.
 TEST_F(KeptTokenizer, AScanOffItsLineIsCutPlainly) {
