@@ -171,8 +171,8 @@ struct LineTokens {
 namespace {
 
 bool bKeepTokens = false;
-// The kept lines by text. Entries are never dropped while the program runs (scans point at them);
-// past the limits no more lines are kept.
+// The kept lines by text. Entries stay until ForgetKeptTokens (scans read lines in them and point
+// at their cuts); past the budget no more lines are kept.
 std::unordered_map<std::string_view, std::unique_ptr<LineTokens>> mapLineTokens;
 // What is kept, roughly in bytes: past the limit no more lines or cuts are kept (what is kept
 // stays). A line or cut costs its record, its text and its share of the tables around it.
