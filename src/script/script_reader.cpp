@@ -248,6 +248,9 @@ void ScriptReader::Forget() {
         pszLine = szHeldLine;
     }
     ++uiGeneration;
+    // No kept line is held any more: the numbers of the lines given so far name nothing.
+    uiLineSerial = 0;
+    pSerialLine = nullptr;
     aReadOnce.clear();
     aBlocks.clear();
     aLines.clear();
@@ -385,6 +388,9 @@ void ScriptReader::IndexLabels() {
 
 // Puts the line at start (length bytes) into the line buffer, trimmed, as the last line read.
 void ScriptReader::LoadLine(long start, long length) {
+    // The line held is a label's, not one GetLine gave: it has no number.
+    uiLineSerial = 0;
+    pSerialLine = nullptr;
     auto known = aLines.find(start);
     if (known != aLines.end()) {
         pszLine = known->second.pText;
