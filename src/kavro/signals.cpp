@@ -162,27 +162,21 @@ void OnEnd(int sig) {
     errno = savedErrno;
 }
 
-void OnStop(int sig) {
+// A stop or a continue during raw input: act now, or once the outermost guard ends.
+template <void (*Act)()>
+void OnRawInputSignal(int sig) {
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
         if (iGuard > 0)
             Defer(sig);
         else
-            Stop();
+            Act();
     }
     errno = savedErrno;
 }
 
-void OnContinue(int sig) {
-    int savedErrno = errno;
-    if (!PassedToOwner(sig)) {
-        if (iGuard > 0)
-            Defer(sig);
-        else
-            KeyboardResumeRaw();
-    }
-    errno = savedErrno;
-}
+void OnStop(int sig) { OnRawInputSignal<Stop>(sig); }
+void OnContinue(int sig) { OnRawInputSignal<KeyboardResumeRaw>(sig); }
 
 }  // namespace
 

@@ -22,16 +22,10 @@ using kvtest::ReadFile;
 class KavroSignals : public ::testing::Test {
 protected:
     void SetUp() override {
-        char templ[] = "/tmp/kvexec-signals-XXXXXX";
-        int fd = mkstemp(templ);
-        ASSERT_GE(fd, 0);
-        close(fd);
-        sOut = templ;
-        sErr = sOut + ".err";
-    }
-    void TearDown() override {
-        unlink(sOut.c_str());
-        unlink(sErr.c_str());
+        ASSERT_FALSE(dir.sPath.empty());
+        sOut = dir / "out";
+        sErr = dir / "err";
+        std::ofstream(sOut).close();  // the child opens it without creating it
     }
 
     // Runs body in a child whose standard output goes to sOut (or to `output` when given) and
@@ -67,6 +61,7 @@ protected:
         EXPECT_EQ(ReadFile(sOut), "progress\r");
     }
 
+    kvtest::TempDir dir;
     std::string sOut;
     std::string sErr;
 };

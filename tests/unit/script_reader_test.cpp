@@ -10,18 +10,17 @@
 #include <fstream>
 #include <string>
 
+#include "test_support.h"
+
 namespace {
 
 class Reader : public ::testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
-        char name[] = "/tmp/kvreaderXXXXXX";
-        int fd = mkstemp(name);
-        ASSERT_GE(fd, 0);
-        close(fd);
-        sPath = name;
+        ASSERT_FALSE(dir.sPath.empty());
+        sPath = dir / "script.kvx";
+        Write("");
     }
-    void TearDown() override { unlink(sPath.c_str()); }
     void Write(const std::string& text) { std::ofstream(sPath, std::ios::binary | std::ios::trunc) << text; }
     // Overwrites bytes in place, as a program rewriting the script would.
     void Patch(long offset, const std::string& text) {
@@ -30,6 +29,7 @@ protected:
         fwrite(text.data(), 1, text.size(), f);
         fclose(f);
     }
+    kvtest::TempDir dir;
     std::string sPath;
 };
 
