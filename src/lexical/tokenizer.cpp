@@ -224,8 +224,7 @@ inline __attribute__((always_inline)) bool ReplayExpected(TokenScan* p, bool ref
 }
 
 // The kept cut for the scan as it stands, or a new one made by cut(p), the plain way.
-template <typename CutFn>
-void CutThroughKept(TokenScan* p, bool reference, CutFn cut) {
+void CutThroughKept(TokenScan* p, bool reference, void (*cut)(TokenScan*)) {
     LineTokens* lt = p->pTokens;
     const char* base = p->LineText();
     // Compared as addresses: the scan may have been moved to another text.
