@@ -41,7 +41,7 @@ int t_Init(int argc, char** argv, int mode, bool bQuiet);
 // its single-byte classes and case are the C locale's (C, POSIX, every UTF-8 locale): then it is
 // taken at the first use of what does differ, multibyte keys and the terminal's character set,
 // which calls LocaleUse first. Reading a locale costs more than the rest of a start-up.
-void LocaleInit();
+void LocaleInit(bool defer = true);  // defer false (KVEXEC_PLAIN): read it at start-up always
 void LocaleUse();
 bool LocaleDeferrable(const char* name);  // whether a locale name is one LocaleInit may defer
 // The account name: KVEXEC_ACCOUNT, else the login name, else USER, as they were at start-up.

@@ -47,8 +47,8 @@ bool LocaleDeferrable(const char* name) {
     return strcmp(codeset, "utf8") == 0;
 }
 
-void LocaleInit() {
-    if (LocaleDeferrable(CharacterTypeName()))
+void LocaleInit(bool defer) {
+    if (defer && LocaleDeferrable(CharacterTypeName()))
         bDeferred = true;
     else
         setlocale(LC_CTYPE, "");

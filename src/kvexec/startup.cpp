@@ -95,7 +95,7 @@ int RunMain(int argc, char** argv) {
 int RunScript(ScriptReader& script, int argc, char** argv, bool bPlain) {
     szScript = argv[1];
 
-    kavro::LocaleInit();
+    kavro::LocaleInit(!bPlain);
     tzset();
 
     if (!script.Open(argv[1], !bPlain)) {
