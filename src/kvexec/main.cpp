@@ -7,11 +7,14 @@
 // same stack size instead, at the price of the thread's start and end.
 #include <pthread.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <ucontext.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 
+#include "dispatch.h"
 #include "startup.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -76,10 +79,20 @@ bool RunOnLargeStack() {
 
 #endif
 
+// On the stack it was given, the run gets as many nesting levels as that stack holds at the rate
+// the large one is made for, so that deep nesting still ends with the out-of-memory report.
+void LimitNestingToOwnStack() {
+    struct rlimit limit {};
+    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return;
+    const size_t perLevel = kStackBytes / kMaxNesting;
+    LimitNesting(static_cast<int>(std::min<size_t>(kMaxNesting, limit.rlim_cur / perLevel)));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     run = Run{argc, argv, 0};
     if (RunOnLargeStack()) return run.result;
+    LimitNestingToOwnStack();
     return RunMain(argc, argv);
 }

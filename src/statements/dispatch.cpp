@@ -34,6 +34,7 @@ namespace {
 static_assert(RowsInWordOrder<W>(aStatements), "one statement row per statement word, in order");
 
 int iNesting = 0;
+int iMaxNesting = kMaxNesting;
 
 void TraceToken(Parser* p) {
     if (p->bDebug) kavro::TermPrintf("token type = %s|%s\r", aszTokenTypes[p->eTokenType], p->sToken.data());
@@ -93,8 +94,10 @@ const Statement* GetStatement(const char* name) {
     return row < 0 ? nullptr : &aStatements[row];
 }
 
+void LimitNesting(int depth) { iMaxNesting = depth; }
+
 NestingGuard::NestingGuard() {
-    if (++iNesting > kMaxNesting) {
+    if (++iNesting > iMaxNesting) {
         errno = ENOMEM;
         MEMORY_ERROR(Src::Kvexec, At::AllocBuf);
     }

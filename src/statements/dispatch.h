@@ -11,6 +11,8 @@ void _Parse_Line(Parser* p, const char* line);
 // one per failure); past this depth the run ends as out of memory rather than exhausting the
 // machine stack. Each nesting level holds a guard.
 constexpr int kMaxNesting = 100000;
+// A smaller depth, for a run on a smaller stack than the one that depth is made for.
+void LimitNesting(int depth);
 struct NestingGuard {
     NestingGuard();
     ~NestingGuard();

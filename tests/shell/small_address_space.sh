@@ -13,6 +13,17 @@ for plain in "" 1; do
   got=$( (ulimit -v 262144 && KVEXEC_PLAIN=$plain KVEXEC_TERM=raw "$SHT_BIN" case.kvx); echo "status $?")
   [ "$got" = "${expected}status 3" ] || sht_fail "plain '$plain': $(printf '%q' "$got")"
 done
+# Nesting deeper than the given stack holds ends with the out-of-memory report (status 12), as
+# nesting past 100,000 levels does on the large stack, not with a crash. 5,000 open blocks are
+# more than 8 MiB of stack is given levels for; on the large stack they run.
+awk 'BEGIN { for (i = 0; i < 5000; i++) print "&IF 1"; print "&TYPE deep"; for (i = 0; i < 5000; i++) print "&ENDIF" }' > deep.kvx
+got=$( (ulimit -s 8192 && ulimit -v 262144 && KVEXEC_TERM=raw "$SHT_BIN" deep.kvx 2>&1); echo "status $?")
+case $got in
+  *"Cannot allocate memory, in deep.kvx, line "*"status 12") ;;
+  *) sht_fail "deep nesting on the given stack: $(printf '%q' "$(tail -c 200 <<< "$got")")" ;;
+esac
+got=$(KVEXEC_TERM=raw "$SHT_BIN" deep.kvx; echo "status $?")
+[ "$got" = $'deepstatus 0' ] || sht_fail "deep nesting on the large stack: $(printf '%q' "$(tail -c 200 <<< "$got")")"
 # The same with room to spare takes the large stack; the output is the same.
 got=$(KVEXEC_TERM=raw "$SHT_BIN" case.kvx; echo "status $?")
 [ "$got" = "${expected}status 3" ] || sht_fail "without a limit: $(printf '%q' "$got")"
