@@ -23,7 +23,7 @@ case $got in
   *) sht_fail "deep nesting on the given stack: $(printf '%q' "$(tail -c 200 <<< "$got")")" ;;
 esac
 got=$(KVEXEC_TERM=raw "$SHT_BIN" deep.kvx; echo "status $?")
-[ "$got" = $'deepstatus 0' ] || sht_fail "deep nesting on the large stack: $(printf '%q' "$(tail -c 200 <<< "$got")")"
+[ "$got" = $'deep\rstatus 0' ] || sht_fail "deep nesting on the large stack: $(printf '%q' "$(tail -c 200 <<< "$got")")"
 # The same with room to spare takes the large stack; the output is the same.
 got=$(KVEXEC_TERM=raw "$SHT_BIN" case.kvx; echo "status $?")
 [ "$got" = "${expected}status 3" ] || sht_fail "without a limit: $(printf '%q' "$got")"
