@@ -142,13 +142,10 @@ private:
     struct sigaction saQuit {};
 };
 
-// Starts a plain command line without the shell: one whose words the shell would run as one
-// program (no shell syntax, not a word of the shell's own), resolved as the shell resolves it,
-// with the environment, standard input (stacked text from `input`, when not -1) and signal
-// dispositions the shell would give it. Returns the process, or -1 when the line needs the shell
-// or could not be started; nothing visible has happened then.
-int SpawnPlain(const char* command, int input);
-// Splits a line into its words when it has no shell syntax and is not the shell's own command.
+// A plain command line: one whose words the shell would run as one program (no shell syntax, not
+// a word of the shell's own). t_system starts such lines itself (plain_command.h), resolved as the shell
+// resolves them, with the environment, standard input and signal dispositions the shell would
+// give them. Splits a line into its words when it is plain.
 bool IsPlainCommand(const char* command, std::vector<std::string>& words);
 // The environment the shell would give its commands when started with envp, in its order, and
 // the PATH it would search; false when only the shell can tell.

@@ -14,6 +14,7 @@
 
 #include "kavro.h"
 #include "signals.h"
+#include "plain_command.h"
 
 extern char** environ;
 
@@ -44,19 +45,6 @@ int StackAsInput() {
     return fd;
 }
 
-// Starts the command: directly when it is plain (and Kavro->bPlain is off), else through the
-// shell. Returns the process, or -1 when nothing could be started.
-pid_t StartCommand(const char* command, int input, const posix_spawn_file_actions_t* actions,
-                   const posix_spawnattr_t* attr, bool* pbDirect) {
-    pid_t pid = Kavro->bPlain ? -1 : SpawnPlain(command, input);
-    *pbDirect = pid > 0;
-    if (*pbDirect) return pid;
-    char sh[] = "sh";
-    char dashc[] = "-c";
-    char* argv[] = {sh, dashc, const_cast<char*>(command), nullptr};
-    return posix_spawn(&pid, "/bin/sh", actions, attr, argv, environ) == 0 ? pid : -1;
-}
-
 // Interrupt or quit typed at the terminal while a command started directly runs. The shell would
 // have received it as well: on interrupt it waits for its command and then ends as interrupted,
 // on quit it ends at once.
@@ -64,21 +52,38 @@ volatile sig_atomic_t iTyped = 0;
 pthread_t thWaiter;  // the thread waiting for the command
 
 void NoteTyped(int sig, siginfo_t* info, void* /*context*/) {
+    if (SignalInForkedChild(sig)) return;
     if (info && info->si_code == SI_KERNEL && iTyped != SIGQUIT) iTyped = sig;
     // A key reaches whichever thread of the process takes it: quit must wake the waiting one.
     if (sig == SIGQUIT && iTyped == SIGQUIT && !pthread_equal(pthread_self(), thWaiter))
         pthread_kill(thWaiter, SIGQUIT);
 }
 
-void WatchTyped() {
-    thWaiter = pthread_self();
-    struct sigaction note {};
-    note.sa_sigaction = NoteTyped;
-    note.sa_flags = SA_SIGINFO;  // no SA_RESTART: quit must end the wait
-    sigemptyset(&note.sa_mask);
-    sigaction(SIGINT, &note, nullptr);
-    sigaction(SIGQUIT, &note, nullptr);
-}
+// Catches interrupt and quit while a command started directly runs; the dispositions before are
+// put back when it ends.
+class TypedWatched {
+public:
+    TypedWatched() {
+        iTyped = 0;
+        thWaiter = pthread_self();
+        struct sigaction note {};
+        note.sa_sigaction = NoteTyped;
+        note.sa_flags = SA_SIGINFO;  // no SA_RESTART: quit must end the wait
+        sigemptyset(&note.sa_mask);
+        sigaction(SIGINT, &note, &saInterrupt);
+        sigaction(SIGQUIT, &note, &saQuit);
+    }
+    ~TypedWatched() {
+        sigaction(SIGINT, &saInterrupt, nullptr);
+        sigaction(SIGQUIT, &saQuit, nullptr);
+    }
+    TypedWatched(const TypedWatched&) = delete;
+    TypedWatched& operator=(const TypedWatched&) = delete;
+
+private:
+    struct sigaction saInterrupt {};
+    struct sigaction saQuit {};
+};
 
 // Waits for the command and returns its wait status. A quit typed meanwhile ends the wait.
 int Await(pid_t pid) {
@@ -135,21 +140,33 @@ InterruptsIgnored::~InterruptsIgnored() {
     sigaction(SIGQUIT, &saQuit, nullptr);
 }
 
-int t_system(const char* command) {
-#ifdef KVEXEC_FUZZ
-    // The fuzzing build records the command instead of running it (fuzzing.cpp).
-    errno = FuzzCommand(command);
-    return errno;
-#endif
-    TermFlush();
-    int input = StackAsInput();
+namespace {
 
+// Runs a plain line without the shell. Returns its status, or -1 when its program could not be
+// started (nothing has happened then, and the line goes to the shell).
+int RunDirect(PlainCommand& plain, int input) {
+    // Every signal is held back until the command's process id is known. Interrupt and quit are
+    // caught from the start, so exec sets them back to their default in the command's process,
+    // as it does every caught signal; broken pipe may be ignored and is set back there.
+    SignalsCommandStarting();
+    TypedWatched watched;
+    sigset_t reset;
+    sigemptyset(&reset);
+    sigaddset(&reset, SIGPIPE);
+    pid_t pid = StartPlain(plain, input, reset);
+    SignalsCommandStarted(pid > 0 ? pid : 0);
+    if (pid <= 0) return -1;
+    int ws = Await(pid);
+    SignalsCommandEnded();
+    return Status(ws, true);
+}
+
+// Runs a line through /bin/sh -c, as system() does: the interpreter ignores interrupt and quit
+// while the command runs, and the command gets their default handling.
+int RunThroughShell(const char* command, int input) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     if (input >= 0) posix_spawn_file_actions_adddup2(&actions, input, 0);
-
-    // As the shell's system() does: the interpreter ignores interrupt and quit while the command
-    // runs, and the command gets their default handling.
     posix_spawnattr_t attr;
     posix_spawnattr_init(&attr);
     sigset_t defaults, none;
@@ -163,24 +180,42 @@ int t_system(const char* command) {
     posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
 
     int status = 127;
+    iTyped = 0;
     {
         InterruptsIgnored ignored;
-        iTyped = 0;
-        bool bDirect = false;
         // Terminate and hangup go on to the command, and end the run once it has ended.
         SignalsCommandStarting();
-        pid_t pid = StartCommand(command, input, &actions, &attr, &bDirect);
+        char sh[] = "sh";
+        char dashc[] = "-c";
+        char* argv[] = {sh, dashc, const_cast<char*>(command), nullptr};
+        pid_t pid = -1;
+        if (posix_spawn(&pid, "/bin/sh", &actions, &attr, argv, environ) != 0) pid = -1;
         SignalsCommandStarted(pid > 0 ? pid : 0);
         if (pid > 0) {
-            if (bDirect) WatchTyped();
             int ws = Await(pid);
             SignalsCommandEnded();
-            status = Status(ws, bDirect);
+            status = Status(ws, false);
         }
     }
-
     posix_spawnattr_destroy(&attr);
     posix_spawn_file_actions_destroy(&actions);
+    return status;
+}
+
+}  // namespace
+
+int t_system(const char* command) {
+#ifdef KVEXEC_FUZZ
+    // The fuzzing build records the command instead of running it (fuzzing.cpp).
+    errno = FuzzCommand(command);
+    return errno;
+#endif
+    TermFlush();
+    int input = StackAsInput();
+    int status = -1;
+    PlainCommand plain;
+    if (!Kavro->bPlain && PreparePlain(command, plain)) status = RunDirect(plain, input);
+    if (status < 0) status = RunThroughShell(command, input);
     if (input >= 0) close(input);
     ++uiOutsideTurns;
     errno = status;

@@ -6,6 +6,7 @@
 #include "signals.h"
 
 #include <pthread.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -32,6 +33,9 @@ volatile sig_atomic_t bOwnerGone = 1;
 volatile sig_atomic_t iGuard = 0;
 volatile sig_atomic_t iDeferred = 0;
 
+volatile sig_atomic_t bForking = 0;
+volatile pid_t pidForking = 0;  // the interpreter's process while it forks
+
 volatile sig_atomic_t pidCommand = 0;
 volatile sig_atomic_t iPassedOn = 0;
 sigset_t setCommandMask;
@@ -52,21 +56,7 @@ bool PassedToOwner(int sig) {
     return pthread_kill(thOwner, sig) == 0;
 }
 
-// The signals a handler of the runtime catches now: what a command's process must set back to
-// their default before it runs its program, known without asking the system signal by signal.
-sigset_t setCaught;
-
-bool IsHandler(const struct sigaction& sa) {
-    return (sa.sa_flags & SA_SIGINFO) != 0 || (sa.sa_handler != SIG_DFL && sa.sa_handler != SIG_IGN);
-}
-
-void Restore(int sig, const struct sigaction& sa) {
-    sigaction(sig, &sa, nullptr);
-    if (IsHandler(sa))
-        sigaddset(&setCaught, sig);
-    else
-        sigdelset(&setCaught, sig);
-}
+void Restore(int sig, const struct sigaction& sa) { sigaction(sig, &sa, nullptr); }
 
 void SetAction(int sig, void (*handler)(int), struct sigaction* old) {
     struct sigaction sa {};
@@ -74,7 +64,6 @@ void SetAction(int sig, void (*handler)(int), struct sigaction* old) {
     sa.sa_mask = setHandled;
     sa.sa_flags = SA_RESTART;
     sigaction(sig, &sa, old);
-    sigaddset(&setCaught, sig);
 }
 
 void SetDefault(int sig) {
@@ -82,7 +71,6 @@ void SetDefault(int sig) {
     sa.sa_handler = SIG_DFL;
     sigemptyset(&sa.sa_mask);
     sigaction(sig, &sa, nullptr);
-    sigdelset(&setCaught, sig);
 }
 
 [[noreturn]] void EndBySignal(int sig) {
@@ -148,6 +136,7 @@ void HandleDeferred() {
 }
 
 void OnEnd(int sig) {
+    if (SignalInForkedChild(sig)) return;
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
         if ((sig == SIGTERM || sig == SIGHUP) && pidCommand > 0) {
@@ -165,6 +154,7 @@ void OnEnd(int sig) {
 // A stop or a continue during raw input: act now, or once the outermost guard ends.
 template <void (*Act)()>
 void OnRawInputSignal(int sig) {
+    if (SignalInForkedChild(sig)) return;
     int savedErrno = errno;
     if (!PassedToOwner(sig)) {
         if (iGuard > 0)
@@ -189,7 +179,6 @@ void SignalsInit() {
     bOwnerGone = 0;
 
     sigemptyset(&setHandled);
-    sigemptyset(&setCaught);
     for (int sig : aEndingSignals) sigaddset(&setHandled, sig);
     sigaddset(&setHandled, SIGTSTP);
     sigaddset(&setHandled, SIGCONT);
@@ -225,8 +214,6 @@ void SignalsRelease(const sigset_t* saved) {
     pthread_sigmask(SIG_SETMASK, saved, nullptr);
 }
 
-void SignalsCaught(sigset_t* set) { *set = setCaught; }
-
 void SignalsRawInput(bool on) {
     if (on == bRawInput) return;
     bRawInput = on;
@@ -240,12 +227,10 @@ void SignalsRawInput(bool on) {
 }
 
 void SignalsCommandStarting() {
-    sigset_t both;
-    sigemptyset(&both);
-    sigaddset(&both, SIGTERM);
-    sigaddset(&both, SIGHUP);
+    sigset_t all;
+    sigfillset(&all);
     iPassedOn = 0;
-    pthread_sigmask(SIG_BLOCK, &both, &setCommandMask);
+    pthread_sigmask(SIG_SETMASK, &all, &setCommandMask);
 }
 
 void SignalsCommandStarted(pid_t pid) {
@@ -259,6 +244,29 @@ void SignalsCommandEnded() {
     Fence();
     int sig = iPassedOn;
     if (sig != 0) EndBySignal(sig);
+}
+
+void SignalsForking(bool on) {
+    if (on) pidForking = getpid();
+    bForking = on;
+    Fence();
+}
+
+bool SignalInForkedChild(int sig) {
+    if (!bForking) return false;
+    // The C library's getpid asks the system: the child's own id, not a remembered one.
+    pid_t self = static_cast<pid_t>(syscall(SYS_getpid));
+    if (self == pidForking) return false;
+    int savedErrno = errno;
+    struct sigaction sa {};
+    sa.sa_handler = SIG_DFL;
+    sigemptyset(&sa.sa_mask);
+    sigaction(sig, &sa, nullptr);
+    // Held back while the handler runs, taken at its default once it returns. Not raise(): it
+    // would name the interpreter's thread, whose record the child shares.
+    syscall(SYS_kill, self, sig);
+    errno = savedErrno;
+    return true;
 }
 
 }  // namespace kavro

@@ -28,18 +28,22 @@ public:
 void SignalsHold(sigset_t* saved);
 void SignalsRelease(const sigset_t* saved);
 
-// The signals the runtime catches now (interrupt and quit aside, which a command always gets at
-// their default): those a command's process sets back to their default.
-void SignalsCaught(sigset_t* set);
-
 // Raw input is on: a stop from the terminal, and the continue after it, are handled meanwhile.
 void SignalsRawInput(bool on);
 
 // A command runs. Terminate and hangup received meanwhile are passed on to it; once it has ended,
-// the run ends of the signal received. Until its process id is known they are held back.
+// the run ends of the signal received. From the start until its process id is known, every signal
+// is held back.
 void SignalsCommandStarting();
 void SignalsCommandStarted(pid_t pid);  // 0 when the command could not be started
 void SignalsCommandEnded();
+
+// Between vfork and exec a command's process shares the interpreter's memory and has its handlers
+// until exec puts caught signals back to their default. The one who calls vfork marks the time;
+// every handler asks first whether it runs in that process, where it gives the signal its default
+// action and does nothing else: the process behaves as if the signal had been at its default.
+void SignalsForking(bool on);
+bool SignalInForkedChild(int sig);  // async-signal-safe
 
 // For the signal path, from the output and keyboard units; async-signal-safe.
 void OutputWriteWaiting();  // writes what waits in the output buffer, giving up on a stalled output

@@ -8,11 +8,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "kavro.h"
+#include "plain_command.h"
 #include "signals.h"
 
 extern char** environ;
@@ -34,25 +37,37 @@ const char* const aszShellWords[] = {
     "[[", "]]", "builtin", "coproc", "declare", "function", "let", "select", "source", "time", "typeset"};
 
 bool IsShellWord(const char* word) {
-    for (const char* w : aszShellWords)
-        if (strcmp(w, word) == 0) return true;
-    return false;
+    static const std::vector<std::string_view> aSorted = [] {
+        std::vector<std::string_view> words(std::begin(aszShellWords), std::end(aszShellWords));
+        std::sort(words.begin(), words.end());
+        return words;
+    }();
+    return std::binary_search(aSorted.begin(), aSorted.end(), std::string_view(word));
 }
 
 // Bytes a plain line may hold besides the blanks: letters, digits and punctuation that means
 // nothing to the shell. Quotes, "$", "`", "\", redirections, "|", ";", "&", parentheses, glob
 // characters, "~", "#", braces, "!", control characters and bytes above 127 all send the line
 // to the shell.
-bool IsPlainByte(unsigned char c) {
-    if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) return true;
-    return c != 0 && strchr("-_./,:=+%@", c) != nullptr;
-}
+struct PlainBytes {
+    bool aPlain[256] = {};
+    PlainBytes() {
+        for (int c = 'a'; c <= 'z'; ++c) aPlain[c] = true;
+        for (int c = 'A'; c <= 'Z'; ++c) aPlain[c] = true;
+        for (int c = '0'; c <= '9'; ++c) aPlain[c] = true;
+        for (const char* p = "-_./,:=+%@"; *p; ++p) aPlain[static_cast<unsigned char>(*p)] = true;
+    }
+};
+const PlainBytes kPlainBytes;
+
+bool IsPlainByte(unsigned char c) { return kPlainBytes.aPlain[c]; }
 
 // The environment the shell would give its commands: entries in its order, pointing into the
 // environment it was built from and into the texts made for it here.
 struct ShellEnvironmentText {
     std::vector<const char*> apEntries;
     const char* pszPath = nullptr;  // the PATH it searches
+    const char* pszPwd = nullptr;   // the PWD it was given, when that names the working directory
     std::string sPpid;
     std::string sPwd;
 };
@@ -201,7 +216,9 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
     // PWD stays when it names the working directory by an absolute path; otherwise the shell
     // sets it to the directory's real path.
     const char* pwd = vars.Value("PWD");
+    env.pszPwd = pwd;
     if (!pwd || pwd[0] != '/' || !SameFile(pwd, ".")) {
+        env.pszPwd = nullptr;
         char* cwd = getcwd(nullptr, 0);
         if (!cwd) return false;
         env.sPwd = std::string("PWD=") + cwd;
@@ -214,27 +231,58 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
     return true;
 }
 
-// ---- Starting the program -------------------------------------------------------------------
+// The environment made last, kept while the process, its environment and the directory PWD
+// names stay the same. Entries of the C library's environment are never changed in place nor
+// freed, so the same pointers mean the same texts.
+struct EnvironmentCache {
+    bool bValid = false;
+    pid_t pid = 0;
+    std::vector<char*> apFrom;  // the entries it was made from
+    ShellEnvironmentText env;   // its entries end with a null pointer
+};
 
-// The child side of Launch, between vfork and exec: it shares the interpreter's memory, so no
-// handler of the interpreter may run in it. Standard input from the stacked text; every caught
-// signal, and interrupt, quit and broken pipe, back to their default; the C library's own signals
-// ignored; an empty mask. That is what posix_spawn gives the shell, and the shell its commands.
+bool SameEntries(char* const* envp, const std::vector<char*>& seen) {
+    size_t i = 0;
+    for (; envp && envp[i]; ++i)
+        if (i >= seen.size() || envp[i] != seen[i]) return false;
+    return i == seen.size();
+}
+
+// The environment for a command now, made afresh or, where nothing it depends on has changed,
+// as made last time; null when only the shell can tell.
+const ShellEnvironmentText* CommandEnvironment() {
+    static EnvironmentCache cache;
+    pid_t pid = getpid();
+    // The directory PWD names may have changed: a kept PWD is checked again; a PWD set from
+    // the working directory's path is made again.
+    if (cache.bValid && cache.pid == pid && cache.env.pszPwd && SameEntries(environ, cache.apFrom) &&
+        SameFile(cache.env.pszPwd, "."))
+        return &cache.env;
+    cache.bValid = false;
+    if (!BuildEnvironment(environ, cache.env)) return nullptr;
+    cache.env.apEntries.push_back(nullptr);
+    cache.apFrom.clear();
+    for (char* const* e = environ; e && *e; ++e) cache.apFrom.push_back(*e);
+    cache.pid = pid;
+    cache.bValid = true;
+    return &cache.env;
+}
+
+// The child side of StartPlain, between vfork and exec: it shares the interpreter's memory, so
+// no handler of the interpreter may act in it (SignalInForkedChild). Standard input from the
+// stacked text; the signals to reset to their default (caught ones are reset by exec itself);
+// the C library's own signals ignored; an empty mask. That is what posix_spawn gives the shell,
+// and the shell its commands.
 [[noreturn]] void LaunchChild(const char* program, char* const* argv, char* const* envp, int input,
-                              const sigset_t& caught, volatile int* pExecError) {
+                              const sigset_t& reset, volatile int* pExecError) {
     if (input == 0)
         fcntl(0, F_SETFD, 0);
     else if (input > 0)
         dup2(input, 0);
     struct sigaction sa {};
-    // The interpreter catches standard signals only, never real-time ones.
-    for (int sig = 1; sig < 32; ++sig) {
-        if (sig == SIGKILL || sig == SIGSTOP) continue;
-        if (sig != SIGINT && sig != SIGQUIT && sig != SIGPIPE && !sigismember(&caught, sig)) continue;
-        sa = {};
-        sa.sa_handler = SIG_DFL;
-        sigaction(sig, &sa, nullptr);
-    }
+    sa.sa_handler = SIG_DFL;
+    for (int sig = 1; sig < 32; ++sig)
+        if (sigismember(&reset, sig)) sigaction(sig, &sa, nullptr);
     // sigaction refuses the library's signals (those below SIGRTMIN); the system call does not.
     struct {
         __sighandler_t handler;
@@ -250,27 +298,6 @@ bool BuildEnvironment(char* const* envp, ShellEnvironmentText& env) {
     execve(program, argv, envp);
     *pExecError = errno;
     _exit(127);
-}
-
-// Starts a program as posix_spawn would with the shell's attributes, without posix_spawn's cost
-// (a fresh stack and two system calls for every signal): vfork, with every signal blocked until
-// the child has put its own in order. Returns the process, or -1 when it could not start (the
-// failed child is reaped at once).
-pid_t Launch(const char* program, char* const* argv, char* const* envp, int input) {
-    sigset_t all, old, caught;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    SignalsCaught(&caught);
-    volatile int execError = 0;
-    pid_t pid = vfork();
-    if (pid == 0) LaunchChild(program, argv, envp, input, caught, &execError);
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    if (pid > 0 && execError != 0) {
-        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-        }
-        pid = -1;
-    }
-    return pid;
 }
 
 }  // namespace
@@ -298,19 +325,34 @@ bool IsPlainCommand(const char* command, std::vector<std::string>& words) {
     return !words.empty() && words[0].find('=') == std::string::npos && !IsShellWord(words[0].c_str());
 }
 
-int SpawnPlain(const char* command, int input) {
-    std::vector<std::string> words;
-    if (!IsPlainCommand(command, words)) return -1;
-    ShellEnvironmentText env;
-    if (!BuildEnvironment(environ, env)) return -1;
-    std::string program = words[0];
-    if (program.find('/') == std::string::npos && !SearchPath(words[0], env.pszPath, program)) return -1;
+bool PreparePlain(const char* command, PlainCommand& plain) {
+    if (!IsPlainCommand(command, plain.aWords)) return false;
+    const ShellEnvironmentText* env = CommandEnvironment();
+    if (!env) return false;
+    plain.sProgram = plain.aWords[0];
+    if (plain.sProgram.find('/') == std::string::npos && !SearchPath(plain.aWords[0], env->pszPath, plain.sProgram))
+        return false;
+    plain.ppEnvironment = const_cast<char* const*>(env->apEntries.data());
+    return true;
+}
+
+// vfork rather than posix_spawn, which costs a fresh stack and two system calls for every signal.
+pid_t StartPlain(PlainCommand& plain, int input, const sigset_t& reset) {
     std::vector<char*> argv;
-    argv.reserve(words.size() + 1);
-    for (std::string& w : words) argv.push_back(&w[0]);
+    argv.reserve(plain.aWords.size() + 1);
+    for (std::string& w : plain.aWords) argv.push_back(&w[0]);
     argv.push_back(nullptr);
-    env.apEntries.push_back(nullptr);
-    return Launch(program.c_str(), argv.data(), const_cast<char* const*>(env.apEntries.data()), input);
+    volatile int execError = 0;
+    SignalsForking(true);
+    pid_t pid = vfork();
+    if (pid == 0) LaunchChild(plain.sProgram.c_str(), argv.data(), plain.ppEnvironment, input, reset, &execError);
+    SignalsForking(false);
+    if (pid > 0 && execError != 0) {
+        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        }
+        pid = -1;
+    }
+    return pid;
 }
 
 }  // namespace kavro

@@ -13,6 +13,7 @@
 #include <sstream>
 #include <string>
 
+#include "signals.h"
 #include "test_support.h"
 
 namespace {
@@ -122,6 +123,50 @@ TEST_F(KavroSignals, SignalIgnoredAtStartStaysIgnored) {
     waitpid(pid, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
     EXPECT_EQ(ReadFile(sOut), "still here\r");
+}
+
+// ---- a command's process before its program runs -------------------------------------------
+
+// A signal taken in a process forked to start a command, before its program runs, ends that
+// process as the signal's default would, and nothing of the interpreter's runs there: the output
+// waiting is not written twice. The interpreter itself still handles the signal as always.
+TEST_F(KavroSignals, SignalInAForkedChildTakesItsDefaultThere) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        kavro::SignalsForking(true);
+        for (int sig : {SIGTERM, SIGINT, SIGUSR1}) {
+            pid_t child = fork();
+            if (child == 0) {
+                kill(getpid(), sig);
+                _exit(92);
+            }
+            int ws = 0;
+            waitpid(child, &ws, 0);
+            if (!WIFSIGNALED(ws) || WTERMSIG(ws) != sig) _exit(93);
+        }
+        kill(getpid(), SIGTERM);
+    });
+    ExpectOutputWrittenThenDeathBy(SIGTERM, status);
+}
+
+TEST_F(KavroSignals, OutsideTheForkingTheHandlersAreTheInterpretersInEveryProcess) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        kavro::SignalsForking(true);
+        kavro::SignalsForking(false);
+        pid_t child = fork();
+        if (child == 0) {
+            kill(getpid(), SIGTERM);
+            _exit(92);
+        }
+        int ws = 0;
+        waitpid(child, &ws, 0);
+        // The forked process wrote the waiting output before it ended; the interpreter ends with
+        // nothing written twice only because it wrote nothing itself.
+        _exit(WIFSIGNALED(ws) && WTERMSIG(ws) == SIGTERM ? 0 : 93);
+    });
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    EXPECT_EQ(ReadFile(sOut), "progress\r");
 }
 
 // ---- write errors --------------------------------------------------------------------------
