@@ -15,6 +15,7 @@ struct PlainCommand {
     std::vector<std::string> aWords;
     std::string sProgram;
     char* const* ppEnvironment = nullptr;
+    pid_t pidSelf = 0;  // the interpreter's process id
 };
 
 // Resolves a line; false when it needs the shell: it is not plain (IsPlainCommand), its program

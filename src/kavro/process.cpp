@@ -13,8 +13,8 @@
 #include <cstring>
 
 #include "kavro.h"
-#include "signals.h"
 #include "plain_command.h"
+#include "signals.h"
 
 extern char** environ;
 

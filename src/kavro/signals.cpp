@@ -246,9 +246,9 @@ void SignalsCommandEnded() {
     if (sig != 0) EndBySignal(sig);
 }
 
-void SignalsForking(bool on) {
-    if (on) pidForking = getpid();
-    bForking = on;
+void SignalsForking(pid_t self) {
+    if (self != 0) pidForking = self;
+    bForking = self != 0;
     Fence();
 }
 

@@ -42,7 +42,8 @@ void SignalsCommandEnded();
 // until exec puts caught signals back to their default. The one who calls vfork marks the time;
 // every handler asks first whether it runs in that process, where it gives the signal its default
 // action and does nothing else: the process behaves as if the signal had been at its default.
-void SignalsForking(bool on);
+// SignalsForking takes the interpreter's process id (getpid) before vfork, and 0 after.
+void SignalsForking(pid_t self);
 bool SignalInForkedChild(int sig);  // async-signal-safe
 
 // For the signal path, from the output and keyboard units; async-signal-safe.

@@ -250,9 +250,8 @@ bool SameEntries(char* const* envp, const std::vector<char*>& seen) {
 
 // The environment for a command now, made afresh or, where nothing it depends on has changed,
 // as made last time; null when only the shell can tell.
-const ShellEnvironmentText* CommandEnvironment() {
+const ShellEnvironmentText* CommandEnvironment(pid_t pid) {
     static EnvironmentCache cache;
-    pid_t pid = getpid();
     // The directory PWD names may have changed: a kept PWD is checked again; a PWD set from
     // the working directory's path is made again.
     if (cache.bValid && cache.pid == pid && cache.env.pszPwd && SameEntries(environ, cache.apFrom) &&
@@ -327,7 +326,8 @@ bool IsPlainCommand(const char* command, std::vector<std::string>& words) {
 
 bool PreparePlain(const char* command, PlainCommand& plain) {
     if (!IsPlainCommand(command, plain.aWords)) return false;
-    const ShellEnvironmentText* env = CommandEnvironment();
+    plain.pidSelf = getpid();
+    const ShellEnvironmentText* env = CommandEnvironment(plain.pidSelf);
     if (!env) return false;
     plain.sProgram = plain.aWords[0];
     if (plain.sProgram.find('/') == std::string::npos && !SearchPath(plain.aWords[0], env->pszPath, plain.sProgram))
@@ -343,10 +343,10 @@ pid_t StartPlain(PlainCommand& plain, int input, const sigset_t& reset) {
     for (std::string& w : plain.aWords) argv.push_back(&w[0]);
     argv.push_back(nullptr);
     volatile int execError = 0;
-    SignalsForking(true);
+    SignalsForking(plain.pidSelf);
     pid_t pid = vfork();
     if (pid == 0) LaunchChild(plain.sProgram.c_str(), argv.data(), plain.ppEnvironment, input, reset, &execError);
-    SignalsForking(false);
+    SignalsForking(0);
     if (pid > 0 && execError != 0) {
         while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
         }

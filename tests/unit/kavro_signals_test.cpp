@@ -133,7 +133,7 @@ TEST_F(KavroSignals, SignalIgnoredAtStartStaysIgnored) {
 TEST_F(KavroSignals, SignalInAForkedChildTakesItsDefaultThere) {
     int status = InChild([] {
         kavro::TermWrite("progress\r");
-        kavro::SignalsForking(true);
+        kavro::SignalsForking(getpid());
         for (int sig : {SIGTERM, SIGINT, SIGUSR1}) {
             pid_t child = fork();
             if (child == 0) {
@@ -152,8 +152,8 @@ TEST_F(KavroSignals, SignalInAForkedChildTakesItsDefaultThere) {
 TEST_F(KavroSignals, OutsideTheForkingTheHandlersAreTheInterpretersInEveryProcess) {
     int status = InChild([] {
         kavro::TermWrite("progress\r");
-        kavro::SignalsForking(true);
-        kavro::SignalsForking(false);
+        kavro::SignalsForking(getpid());
+        kavro::SignalsForking(0);
         pid_t child = fork();
         if (child == 0) {
             kill(getpid(), SIGTERM);

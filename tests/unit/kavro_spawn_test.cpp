@@ -428,6 +428,48 @@ TEST_F(KavroSpawn, PathSearchAsTheShellDoes) {
     setenv("PATH", savedPath.c_str(), 1);
 }
 
+// Each command gets the environment as it is when it starts: after "set", after the working
+// directory changed, and after the directory PWD names was renamed.
+TEST_F(KavroSpawn, EnvironmentAsItIsAtEachCommand) {
+    auto has = [](const LineRun& r, const std::string& entry) {
+        return ("\n" + r.sOut).find("\n" + entry + "\n") != std::string::npos;
+    };
+    std::string cwd = Cwd();
+    const char* saved = getenv("PWD");
+    std::string savedPwd = saved ? saved : "";
+    setenv("PWD", cwd.c_str(), 1);
+    EXPECT_TRUE(has(Both("env"), "PWD=" + cwd));
+    setenv("KVEXEC_UNIT_X", "1", 1);
+    EXPECT_TRUE(has(Both("env"), "KVEXEC_UNIT_X=1"));
+    setenv("KVEXEC_UNIT_X", "2", 1);
+    EXPECT_TRUE(has(Both("env"), "KVEXEC_UNIT_X=2"));
+    unsetenv("KVEXEC_UNIT_X");
+    EXPECT_EQ(Both("env").sOut.find("KVEXEC_UNIT_X"), std::string::npos);
+    // PWD no longer names the working directory: the shell's PWD is the directory's path.
+    std::string first = dir / "first";
+    std::string second = dir / "second";
+    mkdir(first.c_str(), 0755);
+    ASSERT_EQ(chdir(first.c_str()), 0);
+    char* real = realpath(first.c_str(), nullptr);
+    ASSERT_NE(real, nullptr);
+    std::string firstReal = real;
+    free(real);
+    EXPECT_TRUE(has(Both("env"), "PWD=" + firstReal));
+    setenv("PWD", first.c_str(), 1);
+    EXPECT_TRUE(has(Both("env"), "PWD=" + first));
+    // Renamed while it is the working directory: PWD names nothing any more.
+    ASSERT_EQ(rename(first.c_str(), second.c_str()), 0);
+    LineRun r = Both("env");
+    EXPECT_FALSE(has(r, "PWD=" + first));
+    EXPECT_EQ(r.sOut.find("PWD=" + first + "\n"), std::string::npos);
+    EXPECT_NE(r.sOut.find("PWD=" + firstReal.substr(0, firstReal.size() - 5) + "second\n"), std::string::npos);
+    ASSERT_EQ(chdir(cwd.c_str()), 0);
+    if (saved)
+        setenv("PWD", savedPwd.c_str(), 1);
+    else
+        unsetenv("PWD");
+}
+
 TEST_F(KavroSpawn, PlainModeAlwaysUsesTheShell) {
     // Only the shell knows its own process: $PPID is the interpreter either way, and the parent
     // of the command is the shell only on the plain path.
