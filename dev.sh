@@ -6,6 +6,8 @@
 #   ./dev.sh sanitize   the same with AddressSanitizer + UBSan, in build-asan
 #   ./dev.sh bench      build, then run the benchmarks in bench/ (options go to bench/run.sh:
 #                       --runs N, --only REGEX, --smoke, --instructions)
+#   ./dev.sh coverage   build with line counters in build-cov, run every test, then print the files
+#                       of src/ least covered and the total (tests/coverage.py)
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
 #   ./dev.sh fuzz-smoke build the fuzzing target with clang in build-fuzz and run its smoke test
 #                       (the corpus, then a minute of fuzzing); status 77 when clang cannot build it
@@ -169,6 +171,17 @@ case "${1:-test}" in
     ASAN_OPTIONS=detect_stack_use_after_return=0 UBSAN_OPTIONS=print_stacktrace=1 \
       LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
       run_tests build-asan
+    ;;
+  coverage)
+    need yes "${BASE_NEEDS[@]}"
+    need no "${TEST_NEEDS[@]}"
+    build build-cov -DKVEXEC_COVERAGE=ON -DCMAKE_BUILD_TYPE=Debug
+    node_tools build-cov
+    find build-cov -name '*.gcda' -delete
+    status=0
+    run_tests build-cov || status=$?
+    python3 tests/coverage.py build-cov --least 12
+    exit $status
     ;;
   bench)
     need yes "${BASE_NEEDS[@]}" "${BENCH_NEEDS[@]}"

@@ -47,6 +47,7 @@ void Logical(Parser* p, char op) {
                 kavro::FuzzEndRun(128 + SIGFPE);
 #endif
                 std::signal(SIGFPE, SIG_DFL);
+                kavro::CoverageFlush();
                 std::raise(SIGFPE);
             }
             v = l % r;

@@ -82,7 +82,10 @@ long MonotonicNanoseconds() {
 #ifdef KVEXEC_FUZZ
     FuzzEndRun(1);
 #endif
-    if (bExiting) _exit(1);
+    if (bExiting) {
+        CoverageFlush();
+        _exit(1);
+    }
     exit(1);
 }
 

@@ -78,6 +78,7 @@ void SetDefault(int sig) {
     KeyboardSuspendRaw();
     OutputWriteWaiting();
     SetDefault(sig);
+    CoverageFlush();
     raise(sig);
     sigset_t one;
     sigemptyset(&one);

@@ -2,16 +2,19 @@
 // with standard output (and error) sent to files, and looks at how the child ended and what
 // reached the files.
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "signals.h"
 #include "test_support.h"
@@ -19,6 +22,12 @@
 namespace {
 
 using kvtest::ReadFile;
+
+// Ends a child process as _exit does, its line counters written first in a coverage build.
+[[noreturn]] void EndChild(int status) {
+    kavro::CoverageFlush();
+    _exit(status);
+}
 
 class KavroSignals : public ::testing::Test {
 protected:
@@ -39,7 +48,7 @@ protected:
         if (pid == 0) {
             int out = open(output ? output : sOut.c_str(), O_WRONLY | O_TRUNC);
             int err = open(sErr.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            if (out < 0 || err < 0) _exit(90);
+            if (out < 0 || err < 0) EndChild(90);
             dup2(out, 1);
             dup2(err, 2);
             for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) signal(sig, SIG_DFL);
@@ -47,10 +56,15 @@ protected:
             kavro::TermCapture(nullptr);
             kavro::TermInit();
             body();
-            _exit(91);
+            EndChild(91);
         }
+        // A stopped child is counted and continued.
         int status = 0;
-        waitpid(pid, &status, 0);
+        iStops = 0;
+        while (waitpid(pid, &status, WUNTRACED) == pid && WIFSTOPPED(status)) {
+            ++iStops;
+            kill(pid, SIGCONT);
+        }
         return status;
     }
 
@@ -63,6 +77,7 @@ protected:
     }
 
     kvtest::TempDir dir;
+    int iStops = 0;
     std::string sOut;
     std::string sErr;
 };
@@ -117,12 +132,107 @@ TEST_F(KavroSignals, SignalIgnoredAtStartStaysIgnored) {
         kavro::TermWrite("still here\r");
         kill(getpid(), SIGHUP);
         kavro::TermFlush();
-        _exit(0);
+        EndChild(0);
     }
     int status = 0;
     waitpid(pid, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
     EXPECT_EQ(ReadFile(sOut), "still here\r");
+}
+
+// ---- signals during a guard, and on another thread --------------------------------------------
+
+TEST_F(KavroSignals, AnEndingSignalDuringAGuardIsHandledWhenTheGuardEnds) {
+    int status = InChild([] {
+        kavro::SignalGuard guard;
+        kill(getpid(), SIGTERM);
+        kavro::TermWrite("progress\r");
+    });
+    ExpectOutputWrittenThenDeathBy(SIGTERM, status);
+    EXPECT_EQ(iStops, 0);
+}
+
+TEST_F(KavroSignals, DuringAGuardAnEndingSignalComesBeforeAStop) {
+    for (bool bStopFirst : {true, false}) {
+        int status = InChild([bStopFirst] {
+            setpgid(0, 0);  // a group of its own, which a stop may stop
+            kavro::SignalsRawInput(true);
+            kavro::TermWrite("progress\r");
+            kavro::SignalGuard guard;
+            kill(getpid(), bStopFirst ? SIGTSTP : SIGTERM);
+            kill(getpid(), bStopFirst ? SIGTERM : SIGTSTP);
+        });
+        ExpectOutputWrittenThenDeathBy(SIGTERM, status);
+        EXPECT_EQ(iStops, 0) << bStopFirst;
+    }
+}
+
+TEST_F(KavroSignals, DuringAGuardAStopComesBeforeAContinue) {
+    int status = InChild([] {
+        setpgid(0, 0);
+        kavro::SignalsRawInput(true);
+        {
+            kavro::SignalGuard guard;
+            kill(getpid(), SIGCONT);
+            kill(getpid(), SIGTSTP);
+            kill(getpid(), SIGCONT);
+        }
+        kavro::TermWrite("continued\r");
+        kavro::TermFlush();
+        EndChild(0);
+    });
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    EXPECT_EQ(iStops, 1);
+    EXPECT_EQ(ReadFile(sOut), "continued\r");
+}
+
+TEST_F(KavroSignals, AContinueDuringAGuardIsHandledWhenTheGuardEnds) {
+    int status = InChild([] {
+        kavro::SignalsRawInput(true);
+        {
+            kavro::SignalGuard guard;
+            kill(getpid(), SIGCONT);
+        }
+        kavro::TermWrite("on\r");
+        kavro::TermFlush();
+        EndChild(0);
+    });
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    EXPECT_EQ(iStops, 0);
+    EXPECT_EQ(ReadFile(sOut), "on\r");
+}
+
+// A signal sent to the process that lands on another thread is passed on to the interpreter's.
+TEST_F(KavroSignals, ASignalTakenByAnotherThreadIsPassedToTheInterpreters) {
+    int status = InChild([] {
+        kavro::TermWrite("progress\r");
+        sigset_t term;
+        sigemptyset(&term);
+        sigaddset(&term, SIGTERM);
+        pthread_sigmask(SIG_BLOCK, &term, nullptr);
+        static std::atomic<bool> bTaken{false};
+        std::thread other([term] {
+            sigset_t open;
+            pthread_sigmask(SIG_BLOCK, nullptr, &open);
+            sigdelset(&open, SIGTERM);
+            sigsuspend(&open);  // returns once the handler has run here
+            bTaken = true;
+            for (;;) pause();
+        });
+        other.detach();
+        kill(getpid(), SIGTERM);
+        for (int i = 0; i < 5000 && !bTaken; ++i) usleep(1000);
+        if (!bTaken) EndChild(94);
+        sigset_t pending;
+        sigpending(&pending);
+        if (!sigismember(&pending, SIGTERM)) EndChild(95);
+        // Had the other thread ended the process, this would never be written.
+        kavro::TermWrite("passed on\r");
+        pthread_sigmask(SIG_UNBLOCK, &term, nullptr);
+        EndChild(96);
+    });
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << "status " << status;
+    EXPECT_EQ(ReadFile(sOut), "progress\rpassed on\r");
 }
 
 // ---- a command's process before its program runs -------------------------------------------
@@ -138,12 +248,24 @@ TEST_F(KavroSignals, SignalInAForkedChildTakesItsDefaultThere) {
             pid_t child = fork();
             if (child == 0) {
                 kill(getpid(), sig);
-                _exit(92);
+                EndChild(92);
             }
             int ws = 0;
             waitpid(child, &ws, 0);
-            if (!WIFSIGNALED(ws) || WTERMSIG(ws) != sig) _exit(93);
+            if (!WIFSIGNALED(ws) || WTERMSIG(ws) != sig) EndChild(93);
         }
+        // A signal whose default is to go on: the process goes on, the signal at its default.
+        kavro::SignalsRawInput(true);
+        pid_t child = fork();
+        if (child == 0) {
+            kill(getpid(), SIGCONT);
+            struct sigaction now {};
+            sigaction(SIGCONT, nullptr, &now);
+            EndChild(now.sa_handler == SIG_DFL ? 0 : 97);
+        }
+        int ws = 0;
+        waitpid(child, &ws, 0);
+        if (!WIFEXITED(ws) || WEXITSTATUS(ws) != 0) EndChild(98);
         kill(getpid(), SIGTERM);
     });
     ExpectOutputWrittenThenDeathBy(SIGTERM, status);
@@ -157,13 +279,13 @@ TEST_F(KavroSignals, OutsideTheForkingTheHandlersAreTheInterpretersInEveryProces
         pid_t child = fork();
         if (child == 0) {
             kill(getpid(), SIGTERM);
-            _exit(92);
+            EndChild(92);
         }
         int ws = 0;
         waitpid(child, &ws, 0);
         // The forked process wrote the waiting output before it ended; the interpreter ends with
         // nothing written twice only because it wrote nothing itself.
-        _exit(WIFSIGNALED(ws) && WTERMSIG(ws) == SIGTERM ? 0 : 93);
+        EndChild(WIFSIGNALED(ws) && WTERMSIG(ws) == SIGTERM ? 0 : 93);
     });
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
     EXPECT_EQ(ReadFile(sOut), "progress\r");
@@ -176,7 +298,7 @@ TEST_F(KavroSignals, WriteErrorEndsTheRunWithAMessageAndStatus1) {
         [] {
             kavro::TermWrite("lost\r");
             kavro::TermFlush();
-            _exit(0);
+            EndChild(0);
         },
         "/dev/full");
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << "status " << status;
