@@ -15,6 +15,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "signals.h"
 #include "test_support.h"
@@ -74,6 +75,26 @@ protected:
             EXPECT_EQ(WTERMSIG(status), sig);
         }
         EXPECT_EQ(ReadFile(sOut), "progress\r");
+    }
+
+    // With raw input on, sends the signals to itself during a guard, then writes and ends with 0:
+    // a run that goes on once the guard has ended. Returns how often it was stopped.
+    int GoOnAfterAGuard(std::initializer_list<int> signals) {
+        std::vector<int> sent(signals);
+        int status = InChild([&sent] {
+            setpgid(0, 0);  // a group of its own, which a stop may stop
+            kavro::SignalsRawInput(true);
+            {
+                kavro::SignalGuard guard;
+                for (int sig : sent) kill(getpid(), sig);
+            }
+            kavro::TermWrite("went on\r");
+            kavro::TermFlush();
+            EndChild(0);
+        });
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+        EXPECT_EQ(ReadFile(sOut), "went on\r");
+        return iStops;
     }
 
     kvtest::TempDir dir;
@@ -168,39 +189,10 @@ TEST_F(KavroSignals, DuringAGuardAnEndingSignalComesBeforeAStop) {
 }
 
 TEST_F(KavroSignals, DuringAGuardAStopComesBeforeAContinue) {
-    int status = InChild([] {
-        setpgid(0, 0);
-        kavro::SignalsRawInput(true);
-        {
-            kavro::SignalGuard guard;
-            kill(getpid(), SIGCONT);
-            kill(getpid(), SIGTSTP);
-            kill(getpid(), SIGCONT);
-        }
-        kavro::TermWrite("continued\r");
-        kavro::TermFlush();
-        EndChild(0);
-    });
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
-    EXPECT_EQ(iStops, 1);
-    EXPECT_EQ(ReadFile(sOut), "continued\r");
+    EXPECT_EQ(GoOnAfterAGuard({SIGCONT, SIGTSTP, SIGCONT}), 1);
 }
 
-TEST_F(KavroSignals, AContinueDuringAGuardIsHandledWhenTheGuardEnds) {
-    int status = InChild([] {
-        kavro::SignalsRawInput(true);
-        {
-            kavro::SignalGuard guard;
-            kill(getpid(), SIGCONT);
-        }
-        kavro::TermWrite("on\r");
-        kavro::TermFlush();
-        EndChild(0);
-    });
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
-    EXPECT_EQ(iStops, 0);
-    EXPECT_EQ(ReadFile(sOut), "on\r");
-}
+TEST_F(KavroSignals, AContinueDuringAGuardIsHandledWhenTheGuardEnds) { EXPECT_EQ(GoOnAfterAGuard({SIGCONT}), 0); }
 
 // A signal sent to the process that lands on another thread is passed on to the interpreter's.
 TEST_F(KavroSignals, ASignalTakenByAnotherThreadIsPassedToTheInterpreters) {
@@ -237,6 +229,21 @@ TEST_F(KavroSignals, ASignalTakenByAnotherThreadIsPassedToTheInterpreters) {
 
 // ---- a command's process before its program runs -------------------------------------------
 
+// The wait status of a forked process that sends itself the signal and, if it goes on, ends with 0
+// when the signal is then at its default (97 when not).
+int ForkedSendsItself(int sig) {
+    pid_t child = fork();
+    if (child == 0) {
+        kill(getpid(), sig);
+        struct sigaction now {};
+        sigaction(sig, nullptr, &now);
+        EndChild(now.sa_handler == SIG_DFL ? 0 : 97);
+    }
+    int ws = 0;
+    waitpid(child, &ws, 0);
+    return ws;
+}
+
 // A signal taken in a process forked to start a command, before its program runs, ends that
 // process as the signal's default would, and nothing of the interpreter's runs there: the output
 // waiting is not written twice. The interpreter itself still handles the signal as always.
@@ -245,26 +252,12 @@ TEST_F(KavroSignals, SignalInAForkedChildTakesItsDefaultThere) {
         kavro::TermWrite("progress\r");
         kavro::SignalsForking(getpid());
         for (int sig : {SIGTERM, SIGINT, SIGUSR1}) {
-            pid_t child = fork();
-            if (child == 0) {
-                kill(getpid(), sig);
-                EndChild(92);
-            }
-            int ws = 0;
-            waitpid(child, &ws, 0);
+            int ws = ForkedSendsItself(sig);
             if (!WIFSIGNALED(ws) || WTERMSIG(ws) != sig) EndChild(93);
         }
         // A signal whose default is to go on: the process goes on, the signal at its default.
         kavro::SignalsRawInput(true);
-        pid_t child = fork();
-        if (child == 0) {
-            kill(getpid(), SIGCONT);
-            struct sigaction now {};
-            sigaction(SIGCONT, nullptr, &now);
-            EndChild(now.sa_handler == SIG_DFL ? 0 : 97);
-        }
-        int ws = 0;
-        waitpid(child, &ws, 0);
+        int ws = ForkedSendsItself(SIGCONT);
         if (!WIFEXITED(ws) || WEXITSTATUS(ws) != 0) EndChild(98);
         kill(getpid(), SIGTERM);
     });
@@ -276,13 +269,7 @@ TEST_F(KavroSignals, OutsideTheForkingTheHandlersAreTheInterpretersInEveryProces
         kavro::TermWrite("progress\r");
         kavro::SignalsForking(getpid());
         kavro::SignalsForking(0);
-        pid_t child = fork();
-        if (child == 0) {
-            kill(getpid(), SIGTERM);
-            EndChild(92);
-        }
-        int ws = 0;
-        waitpid(child, &ws, 0);
+        int ws = ForkedSendsItself(SIGTERM);
         // The forked process wrote the waiting output before it ended; the interpreter ends with
         // nothing written twice only because it wrote nothing itself.
         EndChild(WIFSIGNALED(ws) && WTERMSIG(ws) == SIGTERM ? 0 : 93);
