@@ -24,6 +24,12 @@ case $got in
 esac
 got=$(KVEXEC_TERM=raw "$SHT_BIN" deep.kvx; echo "status $?")
 [ "$got" = $'deep\rstatus 0' ] || sht_fail "deep nesting on the large stack: $(printf '%q' "$(tail -c 200 <<< "$got")")"
+# A value that outgrows the address space ends the run with the out-of-memory report (status 12)
+# on the line that makes it.
+printf '&s = "xxxxxxxxxxxxxxxx"\n&WHILE 1\n&s = &CAT &s &s\n&WEND\n' > grow.kvx
+got=$( (ulimit -v 262144 && KVEXEC_TERM=raw "$SHT_BIN" grow.kvx 2>&1); echo "status $?")
+[ "$got" = $'\rCannot allocate memory, in grow.kvx, line 3.\rdetected in ../src/kvexec, line 183\rstatus 12' ] ||
+  sht_fail "a growing value: $(printf '%q' "$(tail -c 200 <<< "$got")")"
 # The same with room to spare takes the large stack; the output is the same.
 got=$(KVEXEC_TERM=raw "$SHT_BIN" case.kvx; echo "status $?")
 [ "$got" = "${expected}status 3" ] || sht_fail "without a limit: $(printf '%q' "$got")"

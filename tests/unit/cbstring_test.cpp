@@ -15,6 +15,14 @@ TEST(CBString, CharacterOutOfBoundsThrows) {
     EXPECT_THROW(s.character(-1), CBStringException);
 }
 
+TEST(CBString, AssigningANullTextEmpties) {
+    CBString s("abc");
+    const char* none = nullptr;
+    s = none;
+    EXPECT_TRUE(s.empty());
+    EXPECT_EQ(s, "");
+}
+
 TEST(CBString, ReverseFindFromMinusOneFindsNothing) {
     CBString s("&a&b");
     EXPECT_EQ(s.reversefindchr('&', -1), -1);

@@ -45,8 +45,14 @@ protected:
     }
 
     // Switches to ansi mode on an xterm-256color terminal with the given character-type locale.
-    void UseAnsi(const char* locale) {
-        setenv("TERM", "xterm-256color", 1);
+    void UseAnsi(const char* locale) { UseAnsiOn("xterm-256color", locale); }
+
+    // The same on another terminal; no name at all leaves the terminfo database unused.
+    void UseAnsiOn(const char* term, const char* locale) {
+        if (term)
+            setenv("TERM", term, 1);
+        else
+            unsetenv("TERM");
         ASSERT_NE(setlocale(LC_CTYPE, locale), nullptr) << locale;
         kavro::TermSetMode(kavro::TermMode::Ansi);
         ctx.output.clear();
@@ -138,6 +144,18 @@ TEST_F(KavroOutput, TextKeepsUtf8Text) {
     EXPECT_EQ(Write("\xe2\x82\xac 5"), "\xe2\x82\xac 5");
 }
 
+TEST_F(KavroOutput, TextKeepsLineFeedAndTab) {
+    kavro::TermSetMode(kavro::TermMode::Text);
+    EXPECT_EQ(Write("a\nb\tc"), "a\nb\tc");
+}
+
+TEST_F(KavroOutput, TextEndsTheLineAtTheNewLineCode) {
+    kavro::TermSetMode(kavro::TermMode::Text);
+    EXPECT_EQ(Write("a\x80"
+                    "b"),
+              "a\nb");
+}
+
 TEST_F(KavroOutput, TextMoveWritesNothing) {
     kavro::TermSetMode(kavro::TermMode::Text);
     kavro::TermMove(5, 10);
@@ -182,6 +200,81 @@ TEST_F(KavroOutput, AnsiEditingCodes) {
     EXPECT_EQ(Write("\x12"), "\x1b[M");  // delete line
     EXPECT_EQ(Write("\x14"), "\x1b[P");  // delete character
     EXPECT_EQ(Write("\x07"), "\a");      // bell
+}
+
+// This terminal inserts a character only with the counted form.
+TEST_F(KavroOutput, AnsiInsertCharacterUsesTheCountedForm) {
+    UseAnsi("C.UTF-8");
+    EXPECT_EQ(Write("\x13"), "\x1b[1@");
+}
+
+TEST_F(KavroOutput, AnsiTabAndEscapePassAsText) {
+    UseAnsi("C.UTF-8");
+    EXPECT_EQ(Write("a\tb"), "a\tb");
+    EXPECT_EQ(Write("\x1b[2J"), "\x1b[2J");
+}
+
+TEST_F(KavroOutput, AnsiDropsKeyboardAndGraphicsCodes) {
+    UseAnsi("C.UTF-8");
+    EXPECT_EQ(Write("a\x15"
+                    "b\x19"
+                    "c\x1c"
+                    "d\x81"
+                    "e\x84"
+                    "f\x85"
+                    "g"),
+              "abcdefg");
+}
+
+// A lead byte of UTF-8 followed by no continuation byte is passed on as it is.
+TEST_F(KavroOutput, AnsiStrayLeadBytePassesOn) {
+    UseAnsi("C.UTF-8");
+    EXPECT_EQ(Write("\xc3"
+                    "A"),
+              "\xc3"
+              "A");
+    EXPECT_EQ(Write("\xe2\x82"
+                    "\r"),
+              "\xe2\x82\r\n");
+}
+
+// Without a terminal description only backspace, bell and line feed have a sequence of their own.
+TEST_F(KavroOutput, AnsiWithoutTerminfo) {
+    UseAnsiOn(nullptr, "C.UTF-8");
+    EXPECT_EQ(Write("a\x08"
+                    "b\x07"
+                    "c\x0a"
+                    "d"),
+              "a\bb\ac\nd");
+    EXPECT_EQ(Write("\x0c\x01\x06\x1a\x17"), "");
+    EXPECT_EQ(Write("\x04x\x05"), "x");
+    kavro::TermCarriageReturn();
+    EXPECT_EQ(Take(), "\r");
+}
+
+TEST_F(KavroOutput, RawCarriageReturn) {
+    kavro::TermCarriageReturn();
+    EXPECT_EQ(Take(), "\r");
+}
+
+// A terminal without "sgr" gets "sgr0" and then one sequence for each attribute that is on:
+// mach-color has sgr0=\E[0m smso=\E[7m smul=\E[4m rev=\E[7m blink=\E[5m dim=\E[2m bold=\E[1m.
+TEST_F(KavroOutput, AnsiAttributesWithoutSgr) {
+    UseAnsiOn("mach-color", "C.UTF-8");
+    EXPECT_EQ(Write("\x04"), "\x1b[0m\x1b[1m");
+    EXPECT_EQ(Write("\x82\x0b\x0e\x1d\x02"),
+              "\x1b[0m\x1b[7m\x1b[1m"
+              "\x1b[0m\x1b[7m\x1b[4m\x1b[1m"
+              "\x1b[0m\x1b[7m\x1b[4m\x1b[7m\x1b[1m"
+              "\x1b[0m\x1b[7m\x1b[4m\x1b[7m\x1b[5m\x1b[1m"
+              "\x1b[0m\x1b[7m\x1b[4m\x1b[7m\x1b[5m\x1b[2m\x1b[1m");
+    EXPECT_EQ(Write("\x05\x83\x16\x0f\x1e\x03"),
+              "\x1b[0m\x1b[7m\x1b[4m\x1b[7m\x1b[5m\x1b[2m"
+              "\x1b[0m\x1b[4m\x1b[7m\x1b[5m\x1b[2m"
+              "\x1b[0m\x1b[7m\x1b[5m\x1b[2m"
+              "\x1b[0m\x1b[5m\x1b[2m"
+              "\x1b[0m\x1b[2m"
+              "\x1b[0m");
 }
 
 TEST_F(KavroOutput, AnsiBoldOnAndOff) {

@@ -103,6 +103,18 @@ TEST(KavroText, StrmatchOffForms) {
     for (const Forms& f : all) ExpectAll(f);
 }
 
+// A pattern not of the abbreviation form is a plain wildcard match, case ignored.
+TEST(KavroText, StrmatchPlainWildcards) {
+    EXPECT_TRUE(kavro::strmatch("abxyc", "AB*C"));
+    EXPECT_TRUE(kavro::strmatch("ABC", "AB*C"));
+    EXPECT_FALSE(kavro::strmatch("abxy", "AB*C"));
+    EXPECT_TRUE(kavro::strmatch("A", "A*"));
+    EXPECT_TRUE(kavro::strmatch("Anything", "A*"));
+    EXPECT_FALSE(kavro::strmatch("", "A*"));
+    EXPECT_TRUE(kavro::strmatch("x.y", "*.*"));
+    EXPECT_FALSE(kavro::strmatch("xy", "*.*"));
+}
+
 TEST(KavroText, StrmatchRejectsOtherNames) {
     EXPECT_FALSE(kavro::strmatch("CR", "C*?"));
     EXPECT_FALSE(kavro::strmatch("ULC", "U*?"));

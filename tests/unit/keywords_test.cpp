@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "char_classes.h"
+#include "expression.h"
+#include "statements.h"
 #include "tokenizer.h"
 
 namespace {
@@ -28,6 +30,36 @@ TEST(KeywordTable, FindsWholeWordsCaseIgnored) {
     EXPECT_EQ(kFunctionWords.Find("&SYSTEM"), static_cast<int>(FunctionWord::System));
     EXPECT_EQ(kFunctionWords.Find("&LEN$"), -1);
     EXPECT_EQ(kFunctionWords.Find("&IF"), -1);
+}
+
+TEST(KeywordTable, StatementRowByName) {
+    const Statement* s = GetStatement("&if");
+    ASSERT_NE(s, nullptr);
+    EXPECT_EQ(s->eWord, StatementWord::If);
+    EXPECT_EQ(s->pHandler, &ParseIf);
+    s = GetStatement("&QUIT");
+    ASSERT_NE(s, nullptr);
+    EXPECT_EQ(s->pHandler, &ParseQuit);
+    EXPECT_EQ(GetStatement("&LEN"), nullptr);
+    EXPECT_EQ(GetStatement("&IFX"), nullptr);
+    EXPECT_EQ(GetStatement(""), nullptr);
+}
+
+TEST(KeywordTable, FunctionRowByName) {
+    const Function* f = GetFunction("&Cat");
+    ASSERT_NE(f, nullptr);
+    EXPECT_EQ(f->eWord, FunctionWord::Cat);
+    EXPECT_EQ(f->pHandler, &ParseCat);
+    EXPECT_EQ(f->iId, 1);
+    f = GetFunction("&SYSTEM");
+    ASSERT_NE(f, nullptr);
+    EXPECT_EQ(f->pHandler, &ParseSystem);
+    EXPECT_EQ(f->iId, 11);
+    EXPECT_EQ(f->iMinArgs, 1);
+    EXPECT_EQ(f->iMaxArgs, 3);
+    EXPECT_EQ(GetFunction("&LEN$"), nullptr);
+    EXPECT_EQ(GetFunction("&IF"), nullptr);
+    EXPECT_EQ(GetFunction(""), nullptr);
 }
 
 TEST(KeywordTable, EveryRowIsFoundUnderItsOwnName) {
