@@ -19,9 +19,9 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 
 # Run-time libraries, as dpkg-shlibdeps finds them for the dynamically linked programs; written
-# out by hand where it is missing. A statically linked kvexec still loads the system's
-# name-service modules to look up an account (those other than files): they must come from the
-# C library it was linked with, so the package asks for that version of libc6.
+# out by hand where it is missing. A statically linked kvexec looks up an account with getent;
+# where getent cannot run, it loads the name service's modules itself, which must come from the C
+# library it was linked with: the package asks for that version of libc6.
 set(KVEXEC_PACKAGE_DEPENDS "")
 if(KV_STATIC_PROGRAM)
   execute_process(COMMAND getconf GNU_LIBC_VERSION OUTPUT_VARIABLE KVEXEC_LIBC OUTPUT_STRIP_TRAILING_WHITESPACE)

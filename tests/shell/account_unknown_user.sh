@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# &SYSTEM ACCOUNT for a user the user database does not know (a container run under an arbitrary
+# user id): the name service is asked, finds nothing, and USER is the name. Every source the
+# system's name service lists is asked, modules included (systemd's, where configured).
+. "$(dirname "$0")/lib/shell_test.bash"
+sht_setup "$@"
+sht_need setpriv getent
+[ "$(id -u)" = 0 ] || sht_skip "only root can run a program under another user id"
+
+uid=54321
+while getent passwd "$uid" > /dev/null; do uid=$((uid + 1)); done
+# The other user must be able to reach the program and the script.
+chmod 755 "$SHT_DIR"
+cp "$SHT_BIN" "$SHT_DIR/kvexec"
+printf 'a = &SYSTEM ACCOUNT\n&TYPE [&a]\n' > script.kvx
+chmod 644 script.kvx
+setpriv --reuid="$uid" --regid="$uid" --clear-groups env -u KVEXEC_ACCOUNT USER=someone \
+  "$SHT_DIR/kvexec" script.kvx > account.out 2> account.err
+status=$?
+[ "$status" = 0 ] || sht_fail "status $status, standard error '$(cat account.err)'"
+printf '[someone]\r' > expected
+cmp -s expected account.out || sht_fail "output is '$(od -c < account.out)', expected '[someone]\\r'"
+[ -s account.err ] && sht_fail "standard error '$(cat account.err)'"
+
+sht_pass
