@@ -147,12 +147,14 @@ namespace {
 int RunDirect(PlainCommand& plain, int input) {
     // Every signal is held back until the command's process id is known. Interrupt and quit are
     // caught from the start, so exec sets them back to their default in the command's process,
-    // as it does every caught signal; broken pipe may be ignored and is set back there.
+    // as it does every caught signal; broken pipe may be ignored and is set back there. The
+    // shell sets the child signal back to its default however it was given it.
     SignalsCommandStarting();
     TypedWatched watched;
     sigset_t reset;
     sigemptyset(&reset);
     sigaddset(&reset, SIGPIPE);
+    sigaddset(&reset, SIGCHLD);
     pid_t pid = StartPlain(plain, input, reset);
     SignalsCommandStarted(pid > 0 ? pid : 0);
     if (pid <= 0) return -1;
