@@ -13,6 +13,7 @@ namespace kavro {
 // environment the shell would give it (valid until the next PreparePlain).
 struct PlainCommand {
     std::vector<std::string> aWords;
+    std::vector<char*> apArgv;  // the words, for exec
     std::string sProgram;
     char* const* ppEnvironment = nullptr;
     pid_t pidSelf = 0;  // the interpreter's process id
@@ -27,6 +28,6 @@ bool PreparePlain(const char* command, PlainCommand& plain);
 // (SignalsCommandStarting), and any handler it has installed asks SignalInForkedChild first: a
 // signal caught then is put back to its default by exec itself. Returns the process, or -1 when
 // the program could not be started (its process is reaped); nothing visible has happened then.
-pid_t StartPlain(PlainCommand& plain, int input, const sigset_t& reset);
+pid_t StartPlain(const PlainCommand& plain, int input, const sigset_t& reset);
 
 }  // namespace kavro

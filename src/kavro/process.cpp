@@ -85,6 +85,20 @@ private:
     struct sigaction saQuit {};
 };
 
+// Throws away an interrupt or quit typed before the command's process exists, which the command
+// never gets: the shell would have ignored it (as the interpreter does while it starts the
+// shell). Called with every signal held back, just before the process is made.
+void DiscardTyped() {
+    sigset_t typed;
+    sigemptyset(&typed);
+    sigaddset(&typed, SIGINT);
+    sigaddset(&typed, SIGQUIT);
+    struct timespec now {};
+    while (sigtimedwait(&typed, nullptr, &now) > 0) {
+    }
+    iTyped = 0;
+}
+
 // Waits for the command and returns its wait status. A quit typed meanwhile ends the wait.
 int Await(pid_t pid) {
     int ws = 0;
@@ -144,17 +158,17 @@ namespace {
 
 // Runs a plain line without the shell. Returns its status, or -1 when its program could not be
 // started (nothing has happened then, and the line goes to the shell).
-int RunDirect(PlainCommand& plain, int input) {
+int RunDirect(const PlainCommand& plain, int input) {
     // Every signal is held back until the command's process id is known. Interrupt and quit are
     // caught from the start, so exec sets them back to their default in the command's process,
-    // as it does every caught signal; broken pipe may be ignored and is set back there. The
-    // shell sets the child signal back to its default however it was given it.
+    // as it does every caught signal; broken pipe may be ignored and is set back there (the
+    // child signal never is: see SignalsInit).
     SignalsCommandStarting();
     TypedWatched watched;
     sigset_t reset;
     sigemptyset(&reset);
     sigaddset(&reset, SIGPIPE);
-    sigaddset(&reset, SIGCHLD);
+    DiscardTyped();
     pid_t pid = StartPlain(plain, input, reset);
     SignalsCommandStarted(pid > 0 ? pid : 0);
     if (pid <= 0) return -1;

@@ -191,6 +191,10 @@ void SignalsInit() {
     struct sigaction old {};
     sigaction(SIGTSTP, nullptr, &old);
     bStopIgnored = old.sa_handler == SIG_IGN;
+    // The child signal ignored would take away how commands end (their processes are reaped
+    // unseen) and would go on to them, where the shell gives it at its default.
+    sigaction(SIGCHLD, nullptr, &old);
+    if (old.sa_handler == SIG_IGN) SetDefault(SIGCHLD);
 }
 
 SignalGuard::SignalGuard() {

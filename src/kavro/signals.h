@@ -9,7 +9,8 @@
 
 namespace kavro {
 
-// Installs the handlers, once, when the runtime starts. A signal ignored at start stays ignored.
+// Installs the handlers, once, when the runtime starts. A signal ignored at start stays ignored,
+// the child signal aside: it is set back to its default.
 void SignalsInit();
 
 // While a guard lives, state that a handler reads (the output buffer, the terminal mode) may be

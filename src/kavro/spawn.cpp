@@ -333,19 +333,19 @@ bool PreparePlain(const char* command, PlainCommand& plain) {
     if (plain.sProgram.find('/') == std::string::npos && !SearchPath(plain.aWords[0], env->pszPath, plain.sProgram))
         return false;
     plain.ppEnvironment = const_cast<char* const*>(env->apEntries.data());
+    plain.apArgv.clear();
+    for (std::string& w : plain.aWords) plain.apArgv.push_back(&w[0]);
+    plain.apArgv.push_back(nullptr);
     return true;
 }
 
 // vfork rather than posix_spawn, which costs a fresh stack and two system calls for every signal.
-pid_t StartPlain(PlainCommand& plain, int input, const sigset_t& reset) {
-    std::vector<char*> argv;
-    argv.reserve(plain.aWords.size() + 1);
-    for (std::string& w : plain.aWords) argv.push_back(&w[0]);
-    argv.push_back(nullptr);
+pid_t StartPlain(const PlainCommand& plain, int input, const sigset_t& reset) {
     volatile int execError = 0;
     SignalsForking(plain.pidSelf);
     pid_t pid = vfork();
-    if (pid == 0) LaunchChild(plain.sProgram.c_str(), argv.data(), plain.ppEnvironment, input, reset, &execError);
+    if (pid == 0)
+        LaunchChild(plain.sProgram.c_str(), plain.apArgv.data(), plain.ppEnvironment, input, reset, &execError);
     SignalsForking(0);
     if (pid > 0 && execError != 0) {
         while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {

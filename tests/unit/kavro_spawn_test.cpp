@@ -398,18 +398,6 @@ TEST_F(KavroSpawn, SameEnvironmentAndSignals) {
     sigaction(SIGHUP, &oldHup, nullptr);
 }
 
-// The shell puts the child signal back to its default, even when it was ignored when the shell
-// started: its commands never get it ignored.
-TEST_F(KavroSpawn, ChildSignalAtItsDefaultWhenTheInterpreterIgnoresIt) {
-    struct sigaction ignored {
-    }, old{};
-    ignored.sa_handler = SIG_IGN;
-    sigaction(SIGCHLD, &ignored, &old);
-    LineRun r = Both("grep -e SigIgn /proc/self/status");
-    sigaction(SIGCHLD, &old, nullptr);
-    EXPECT_NE(r.sOut.find("SigIgn:"), std::string::npos);
-}
-
 TEST_F(KavroSpawn, PathSearchAsTheShellDoes) {
     std::string first = dir / "first";
     std::string second = dir / "second";
