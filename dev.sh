@@ -7,7 +7,8 @@
 #   ./dev.sh bench      build, then run the benchmarks in bench/ (options go to bench/run.sh:
 #                       --runs N, --only REGEX, --smoke, --instructions)
 #   ./dev.sh coverage   build with line counters in build-cov, run every test, then print the files
-#                       of src/ least covered and the total (tests/coverage.py)
+#                       of src/ least covered and the total (tests/coverage.py), and check that
+#                       every line no test runs has its reason in tests/coverage_notes.md
 #   ./dev.sh lint       check formatting (clang-format) and run clang-tidy over the sources
 #   ./dev.sh fuzz-smoke build the fuzzing target with clang in build-fuzz and run its smoke test
 #                       (the corpus, then a minute of fuzzing); status 77 when clang cannot build it
@@ -181,6 +182,7 @@ case "${1:-test}" in
     status=0
     run_tests build-cov || status=$?
     python3 tests/coverage.py build-cov --least 12
+    python3 tests/coverage.py build-cov --notes tests/coverage_notes.md || status=1
     exit $status
     ;;
   bench)
