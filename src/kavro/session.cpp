@@ -45,6 +45,8 @@ void NoteAccountSources() {
     sAccountSet = account ? account : "";
     sUserSet = user ? user : "";
 }
+
+#ifndef KVEXEC_FUZZ  // the fuzzing build starts no process
 // The user database's name for the user id, as getent reports it: 1 found, 0 not there, -1 when
 // getent could not tell.
 int NameFromGetent(uid_t uid, CBString& name) {
@@ -88,13 +90,14 @@ int NameFromGetent(uid_t uid, CBString& name) {
     name = CBString(out.data(), colon);
     return 1;
 }
+#endif
 
 // The login name of the user id from the user database. A statically linked program cannot load
 // the name service's modules (one that is not built into the C library, such as systemd's, brings
 // the process down), so the name is asked of getent, the name service's own front end, which asks
 // every source the system lists. Only where getent cannot tell is the C library asked here.
 bool LoginName(uid_t uid, CBString& name) {
-#ifndef KVEXEC_FUZZ  // the fuzzing build starts no process
+#ifndef KVEXEC_FUZZ
     int found = NameFromGetent(uid, name);
     if (found >= 0) return found == 1;
 #endif
