@@ -4,10 +4,7 @@
 . "$(dirname "$0")/lib/tmux_session.bash"
 kvx_setup "$@"
 
-kvx_script <<'KVX'
-&READ &a
-&TYPE a=[&a]
-KVX
+kvx_script_read_one
 KVX_RUN="env TERM=xterm-256color LC_ALL=C.UTF-8 KVEXEC_TERM=ansi KVEXEC_CASE=L '$KVX_BIN' script.kvx"
 kvx_start 80 24
 

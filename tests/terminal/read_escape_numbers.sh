@@ -5,10 +5,7 @@
 . "$(dirname "$0")/lib/tmux_session.bash"
 kvx_setup "$@"
 
-kvx_script <<'KVX'
-&READ &a
-&TYPE a=[&a]
-KVX
+kvx_script_read_one
 kvx_start 80 24
 
 kvx_wait_prompt_raw 0 " :"

@@ -7,10 +7,7 @@
 . "$(dirname "$0")/lib/tmux_session.bash"
 kvx_setup "$@"
 
-kvx_script <<'KVX'
-&READ &a
-&TYPE a=[&a]
-KVX
+kvx_script_read_one
 # The pane's shell runs kvexec with job control, so that it can be stopped and continued.
 KVX_RUN="set -m
 $(kvx_command)

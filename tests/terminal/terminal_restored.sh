@@ -47,10 +47,7 @@ check_restored() {
 }
 
 # 1. The script ends normally after a read.
-kvx_script <<'KVX'
-&READ &a
-&TYPE a=[&a]
-KVX
+kvx_script_read_one
 kvx_start 60 16 "$AFTER"
 kvx_wait_prompt_raw 0 " :"
 kvx_type "abc"

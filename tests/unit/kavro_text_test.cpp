@@ -105,14 +105,15 @@ TEST(KavroText, StrmatchOffForms) {
 
 // A pattern not of the abbreviation form is a plain wildcard match, case ignored.
 TEST(KavroText, StrmatchPlainWildcards) {
-    EXPECT_TRUE(kavro::strmatch("abxyc", "AB*C"));
-    EXPECT_TRUE(kavro::strmatch("ABC", "AB*C"));
-    EXPECT_FALSE(kavro::strmatch("abxy", "AB*C"));
-    EXPECT_TRUE(kavro::strmatch("A", "A*"));
-    EXPECT_TRUE(kavro::strmatch("Anything", "A*"));
-    EXPECT_FALSE(kavro::strmatch("", "A*"));
-    EXPECT_TRUE(kavro::strmatch("x.y", "*.*"));
-    EXPECT_FALSE(kavro::strmatch("xy", "*.*"));
+    struct Case {
+        const char* text;
+        const char* pattern;
+        bool bMatches;
+    };
+    for (const Case& c :
+         {Case{"abxyc", "AB*C", true}, Case{"ABC", "AB*C", true}, Case{"abxy", "AB*C", false}, Case{"A", "A*", true},
+          Case{"Anything", "A*", true}, Case{"", "A*", false}, Case{"x.y", "*.*", true}, Case{"xy", "*.*", false}})
+        EXPECT_EQ(kavro::strmatch(c.text, c.pattern), c.bMatches) << c.text << " " << c.pattern;
 }
 
 TEST(KavroText, StrmatchRejectsOtherNames) {

@@ -4,6 +4,7 @@
 # Source this file, then:
 #   kvx_setup "$1"                    binary path; checks tmux, makes a work dir, sets a cleanup trap
 #   kvx_script <<'EOF' ... EOF        writes the script to run (script.kvx in the work dir)
+#   kvx_script_read_one               writes the script of one &READ that shows what it read as a=[…]
 #   kvx_start COLS ROWS [AFTER]       starts the session; AFTER is shell text run once kvexec ended
 #                                     (default: wait until the session is killed)
 #   KVX_RUN                           shell text that runs kvexec in the pane, if not just
@@ -68,6 +69,8 @@ kvx_cleanup() {
 }
 
 kvx_script() { cat > "$KVX_DIR/script.kvx"; }
+
+kvx_script_read_one() { printf '&READ &a\n&TYPE a=[&a]\n' | kvx_script; }
 
 kvx_command() { echo "env TERM=xterm-256color LC_ALL=C.UTF-8 KVEXEC_TERM=ansi '$KVX_BIN' script.kvx"; }
 
