@@ -6,6 +6,7 @@
 // AddressSanitizer, which warns about such switches, the interpreter runs on a thread with the
 // same stack size instead, at the price of the thread's start and end.
 #include <pthread.h>
+#include <signal.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <ucontext.h>
@@ -49,6 +50,12 @@ bool RunOnLargeStack() {
     if (pthread_attr_init(&attr) != 0 || pthread_attr_setstacksize(&attr, kStackBytes) != 0 ||
         pthread_create(&thread, &attr, RunThread, nullptr) != 0)
         return false;
+    // Signals sent to the process go to the interpreter's thread, which has them as the program
+    // would: this one only waits (a key typed here would race with the interpreter's wait for a
+    // command).
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
     pthread_join(thread, nullptr);
     return true;
 }
