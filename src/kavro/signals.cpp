@@ -33,8 +33,10 @@ volatile sig_atomic_t bOwnerGone = 1;
 volatile sig_atomic_t iGuard = 0;
 volatile sig_atomic_t iDeferred = 0;
 
-volatile sig_atomic_t bForking = 0;
-volatile pid_t pidForking = 0;  // the interpreter's process while it forks
+// The interpreter's process while it forks, else 0: one value, so that a handler on any thread
+// reads whole what it needs.
+std::atomic<pid_t> pidForking{0};
+static_assert(std::atomic<pid_t>::is_always_lock_free, "a handler reads it");
 
 volatile sig_atomic_t pidCommand = 0;
 volatile sig_atomic_t iPassedOn = 0;
@@ -251,17 +253,14 @@ void SignalsCommandEnded() {
     if (sig != 0) EndBySignal(sig);
 }
 
-void SignalsForking(pid_t self) {
-    if (self != 0) pidForking = self;
-    bForking = self != 0;
-    Fence();
-}
+void SignalsForking(pid_t self) { pidForking.store(self); }
 
 bool SignalInForkedChild(int sig) {
-    if (!bForking) return false;
+    pid_t forking = pidForking.load();
+    if (forking == 0) return false;
     // The C library's getpid asks the system: the child's own id, not a remembered one.
     pid_t self = static_cast<pid_t>(syscall(SYS_getpid));
-    if (self == pidForking) return false;
+    if (self == forking) return false;
     int savedErrno = errno;
     struct sigaction sa {};
     sa.sa_handler = SIG_DFL;
