@@ -14,7 +14,9 @@ chmod 755 "$SHT_DIR"
 cp "$SHT_BIN" "$SHT_DIR/kvexec"
 printf 'a = &SYSTEM ACCOUNT\n&TYPE [&a]\n' > script.kvx
 chmod 644 script.kvx
-setpriv --reuid="$uid" --regid="$uid" --clear-groups env -u KVEXEC_ACCOUNT USER=someone \
+# A build with line counters writes them where that user may write.
+mkdir -m 777 counters
+setpriv --reuid="$uid" --regid="$uid" --clear-groups env -u KVEXEC_ACCOUNT USER=someone GCOV_PREFIX="$SHT_DIR/counters" \
   "$SHT_DIR/kvexec" script.kvx > account.out 2> account.err
 status=$?
 [ "$status" = 0 ] || sht_fail "status $status, standard error '$(cat account.err)'"
