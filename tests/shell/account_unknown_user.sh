@@ -5,7 +5,12 @@
 . "$(dirname "$0")/lib/shell_test.bash"
 sht_setup "$@"
 sht_need setpriv getent
-[ "$(id -u)" = 0 ] || sht_skip "only root can run a program under another user id"
+# Being root is not something an installation can provide: without it the test is skipped, in CI
+# as well.
+if [ "$(id -u)" != 0 ]; then
+  echo "$SHT_NAME: SKIPPED: only root can run a program under another user id"
+  exit 77
+fi
 
 uid=54321
 while getent passwd "$uid" > /dev/null; do uid=$((uid + 1)); done
