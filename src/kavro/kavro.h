@@ -157,9 +157,9 @@ private:
 };
 
 // A plain command line: one whose words the shell would run as one program (no shell syntax, not
-// a word of the shell's own). t_system starts such lines itself (plain_command.h), resolved as the shell
-// resolves them, with the environment, standard input and signal dispositions the shell would
-// give them. Splits a line into its words when it is plain.
+// a word of the shell's own). t_system starts such lines itself (plain_command.h), resolved as
+// the shell resolves them, with the environment, standard input and signal dispositions the shell
+// would give them. Splits a line into its words when it is plain.
 bool IsPlainCommand(const char* command, std::vector<std::string>& words);
 // The environment the shell would give its commands when started with envp, in its order, and
 // the PATH it would search; false when only the shell can tell.

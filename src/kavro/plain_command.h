@@ -23,11 +23,11 @@ struct PlainCommand {
 // is not found, or only the shell can tell what its environment would be.
 bool PreparePlain(const char* command, PlainCommand& plain);
 
-// Starts the program as the shell would: standard input from `input` (when not -1), the signals in
-// `reset` set back to their default, an empty mask. The caller holds every signal back meanwhile
-// (SignalsCommandStarting), and any handler it has installed asks SignalInForkedChild first: a
+// Starts the program as the shell would: standard input from `input` (when not -1), broken pipe
+// at its default (it may be ignored; the child signal never is: see SignalsInit), an empty mask. The caller holds every
+// signal back meanwhile (SignalsCommandStarting), and any handler it has installed asks SignalInForkedChild first: a
 // signal caught then is put back to its default by exec itself. Returns the process, or -1 when
 // the program could not be started (its process is reaped); nothing visible has happened then.
-pid_t StartPlain(const PlainCommand& plain, int input, const sigset_t& reset);
+pid_t StartPlain(const PlainCommand& plain, int input);
 
 }  // namespace kavro

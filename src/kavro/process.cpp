@@ -96,7 +96,6 @@ void DiscardTyped() {
     struct timespec now {};
     while (sigtimedwait(&typed, nullptr, &now) > 0) {
     }
-    iTyped = 0;
 }
 
 // Waits for the command and returns its wait status. A quit typed meanwhile ends the wait.
@@ -161,15 +160,11 @@ namespace {
 int RunDirect(const PlainCommand& plain, int input) {
     // Every signal is held back until the command's process id is known. Interrupt and quit are
     // caught from the start, so exec sets them back to their default in the command's process,
-    // as it does every caught signal; broken pipe may be ignored and is set back there (the
-    // child signal never is: see SignalsInit).
+    // as it does every caught signal.
     SignalsCommandStarting();
     TypedWatched watched;
-    sigset_t reset;
-    sigemptyset(&reset);
-    sigaddset(&reset, SIGPIPE);
     DiscardTyped();
-    pid_t pid = StartPlain(plain, input, reset);
+    pid_t pid = StartPlain(plain, input);
     SignalsCommandStarted(pid > 0 ? pid : 0);
     if (pid <= 0) return -1;
     int ws = Await(pid);

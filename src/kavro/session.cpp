@@ -60,23 +60,16 @@ int NameFromGetent(uid_t uid, CBString& name) {
     char passwd[] = "passwd";
     char* argv[] = {getent, passwd, key.data(), nullptr};
     pid_t pid = -1;
-    bool started = false;
-    for (const char* path : {"/usr/bin/getent", "/bin/getent"})
-        if (posix_spawn(&pid, path, &actions, nullptr, argv, environ) == 0) {
-            started = true;
-            break;
-        }
+    bool started = posix_spawn(&pid, "/usr/bin/getent", &actions, nullptr, argv, environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
     close(fds[1]);
     std::string out;
-    if (started) {
-        char buffer[512];
-        for (;;) {
-            ssize_t n = read(fds[0], buffer, sizeof buffer);
-            if (n < 0 && errno == EINTR) continue;
-            if (n <= 0) break;
-            out.append(buffer, static_cast<size_t>(n));
-        }
+    char buffer[512];
+    while (started) {
+        ssize_t n = read(fds[0], buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        out.append(buffer, static_cast<size_t>(n));
     }
     close(fds[0]);
     if (!started) return -1;

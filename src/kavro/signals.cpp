@@ -58,8 +58,6 @@ bool PassedToOwner(int sig) {
     return pthread_kill(thOwner, sig) == 0;
 }
 
-void Restore(int sig, const struct sigaction& sa) { sigaction(sig, &sa, nullptr); }
-
 void SetAction(int sig, void (*handler)(int), struct sigaction* old) {
     struct sigaction sa {};
     sa.sa_handler = handler;
@@ -228,8 +226,8 @@ void SignalsRawInput(bool on) {
         if (!bStopIgnored) SetAction(SIGTSTP, OnStop, &saOldStop);
         SetAction(SIGCONT, OnContinue, &saOldContinue);
     } else {
-        if (!bStopIgnored) Restore(SIGTSTP, saOldStop);
-        Restore(SIGCONT, saOldContinue);
+        if (!bStopIgnored) sigaction(SIGTSTP, &saOldStop, nullptr);
+        sigaction(SIGCONT, &saOldContinue, nullptr);
     }
 }
 
@@ -262,10 +260,7 @@ bool SignalInForkedChild(int sig) {
     pid_t self = static_cast<pid_t>(syscall(SYS_getpid));
     if (self == forking) return false;
     int savedErrno = errno;
-    struct sigaction sa {};
-    sa.sa_handler = SIG_DFL;
-    sigemptyset(&sa.sa_mask);
-    sigaction(sig, &sa, nullptr);
+    SetDefault(sig);
     // Held back while the handler runs, taken at its default once it returns. Not raise(): it
     // would name the interpreter's thread, whose record the child shares.
     syscall(SYS_kill, self, sig);

@@ -269,19 +269,18 @@ const ShellEnvironmentText* CommandEnvironment(pid_t pid) {
 
 // The child side of StartPlain, between vfork and exec: it shares the interpreter's memory, so
 // no handler of the interpreter may act in it (SignalInForkedChild). Standard input from the
-// stacked text; the signals to reset to their default (caught ones are reset by exec itself);
-// the C library's own signals ignored; an empty mask. That is what posix_spawn gives the shell,
+// stacked text; broken pipe back to its default (caught signals are reset by exec itself); the
+// C library's own signals ignored; an empty mask. That is what posix_spawn gives the shell,
 // and the shell its commands.
 [[noreturn]] void LaunchChild(const char* program, char* const* argv, char* const* envp, int input,
-                              const sigset_t& reset, volatile int* pExecError) {
+                              volatile int* pExecError) {
     if (input == 0)
         fcntl(0, F_SETFD, 0);
     else if (input > 0)
         dup2(input, 0);
     struct sigaction sa {};
     sa.sa_handler = SIG_DFL;
-    for (int sig = 1; sig < 32; ++sig)
-        if (sigismember(&reset, sig)) sigaction(sig, &sa, nullptr);
+    sigaction(SIGPIPE, &sa, nullptr);
     // sigaction refuses the library's signals (those below SIGRTMIN); the system call does not.
     struct {
         __sighandler_t handler;
@@ -340,12 +339,11 @@ bool PreparePlain(const char* command, PlainCommand& plain) {
 }
 
 // vfork rather than posix_spawn, which costs a fresh stack and two system calls for every signal.
-pid_t StartPlain(const PlainCommand& plain, int input, const sigset_t& reset) {
+pid_t StartPlain(const PlainCommand& plain, int input) {
     volatile int execError = 0;
     SignalsForking(plain.pidSelf);
     pid_t pid = vfork();
-    if (pid == 0)
-        LaunchChild(plain.sProgram.c_str(), plain.apArgv.data(), plain.ppEnvironment, input, reset, &execError);
+    if (pid == 0) LaunchChild(plain.sProgram.c_str(), plain.apArgv.data(), plain.ppEnvironment, input, &execError);
     SignalsForking(0);
     if (pid > 0 && execError != 0) {
         while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
